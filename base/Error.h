@@ -1,0 +1,52 @@
+#pragma once
+
+#include <exception>
+#include <string>
+
+#include "base/CallSite.h"
+#include "base/Export.h"
+#include "base/Types.h"
+
+namespace TORVA35 {
+
+/// Numbers of the failures that the library raises itself. Their texts: `StandardText`.
+enum ErrorNumber : Long {
+  kInvalidCall = 5,
+  kOverflow = 6,
+  kOutOfMemory = 7,
+  kSubscriptOutOfRange = 9,
+  kTypeMismatch = 13,
+  kInternalError = 51,
+  kNothing = 91,
+  kNoSuchMethod = 438,
+  kDuplicateKey = 457,
+};
+
+/// A failure on its way to the handler of the running member. It leaves the library only through a plain property
+/// accessor, which has no handler. A host's own object may throw one to say number and description.
+class TORVA35_API Error : public std::exception {
+ public:
+  /// line: source line of the failing statement, 0 when none is known.
+  Error(Long number, String description, Long line = 0);
+
+  Long Number() const { return number_; }
+  const String& Description() const { return description_; }
+  Long Line() const { return line_; }
+
+  /// Number and description in UTF-8.
+  const char* what() const noexcept override { return what_.c_str(); }
+
+ private:
+  Long number_;
+  Long line_;
+  String description_;
+  std::string what_;
+};
+
+/// The text that belongs to a number: that of the table for the numbers above, one general text for all others.
+TORVA35_API String StandardText(Long number);
+
+/// Raises the failure with its standard text, at the line of the caller.
+[[noreturn]] TORVA35_API void Raise(ErrorNumber number, CallSite at = CallSite::Current());
+
+}  // namespace TORVA35

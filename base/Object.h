@@ -1,0 +1,53 @@
+#pragma once
+
+#include <atomic>
+#include <memory>
+#include <utility>
+
+#include "base/CallSite.h"
+#include "base/Error.h"
+#include "base/Export.h"
+#include "base/Types.h"
+
+namespace TORVA35 {
+
+/// Counted reference to an object, or nothing.
+template <class T>
+using Ref = std::shared_ptr<T>;
+
+/// Base of every class that is shared through counted references, and of the error object that a host gives to
+/// `SetError`. Objects are used on the thread that created them, and are not copied: `Copy`, where a class has it,
+/// makes a new one that shares nothing with its source.
+class TORVA35_API Object {
+ public:
+  Object(const Object&) = delete;
+  Object& operator=(const Object&) = delete;
+  virtual ~Object();
+
+  /// Number of objects alive in the process.
+  static std::int64_t AliveCount();
+
+ protected:
+  Object();
+};
+
+/// Creates an object: `auto oTest = New<clsTORVATest>();`
+template <class T, class... Arguments>
+Ref<T> New(Arguments&&... arguments) {
+  return std::make_shared<T>(std::forward<Arguments>(arguments)...);
+}
+
+/// What the reference refers to. A reference that holds nothing is a raised failure (91) at the caller's line.
+template <class T>
+T& Need(const Ref<T>& reference, CallSite at = CallSite::Current()) {
+  if (!reference) Raise(kNothing, at);
+  return *reference;
+}
+
+/// A reference that does not own, for an object that need not be under a counted reference of its own.
+template <class T>
+Ref<T> NotOwned(T& object) {
+  return Ref<T>(Ref<void>(), &object);
+}
+
+}  // namespace TORVA35

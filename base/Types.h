@@ -1,0 +1,20 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+/// The types that every room speaks.
+namespace TORVA35 {
+
+/// Counted text of 16-bit units (UTF-16, but nothing requires the units to pair up). A limit of n characters
+/// counts these units. An unset String is the empty one.
+using String = std::u16string;
+using StringView = std::u16string_view;
+
+using Integer = std::int16_t;  ///< 16-bit signed
+using Long = std::int32_t;     ///< 32-bit signed
+using Single = float;          ///< 32-bit floating point
+using Double = double;         ///< 64-bit floating point
+
+}  // namespace TORVA35

@@ -1,0 +1,21 @@
+#include "errors/Reported.h"
+
+#include "errors/Caught.h"
+#include "errors/basError.h"
+
+namespace TORVA35 {
+
+void ReportCaught(Location where, CallSite member) noexcept {
+  try {
+    const Error error = CaughtError();
+    const Long line = error.Line() > 0 ? error.Line() : static_cast<Long>(member.Line());
+    basError::ReportError(line, error.Number(), 0, error.Description(), String(where.Text()), {}, {}, {}, {}, 1, {},
+                          {}, {}, false);
+  } catch (...) {
+    // Memory is exhausted to the last: there is nothing to build a report from.
+  }
+}
+
+void StartUp() {}
+
+}  // namespace TORVA35

@@ -1,0 +1,84 @@
+#include "base/Text.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <tuple>
+#include <vector>
+
+namespace TORVA35 {
+namespace {
+
+TEST(Text, SplitKeepsEmptyPartsAndGivesNoneForAnEmptyText) {
+  EXPECT_EQ(Split(u"A\tB\t", u"\t"), (Array<String>{u"A", u"B", u""}));
+  EXPECT_EQ(Split(u"A--B", u"--"), (Array<String>{u"A", u"B"}));
+  EXPECT_EQ(Split(u"A,B", u""), (Array<String>{u"A,B"}));
+  EXPECT_EQ(Split(u",", u","), (Array<String>{u"", u""}));
+  EXPECT_TRUE(Split(u"", u",").IsEmpty());
+}
+
+TEST(Text, TrimTakesSpacesOnly) {
+  EXPECT_EQ(Trim(u"  a b \t "), u"a b \t");
+  EXPECT_EQ(Trim(u"   "), u"");
+  EXPECT_EQ(Trim(u"\u00A0a\n"), u"\u00A0a\n");
+}
+
+TEST(Text, CaseMapsSingleUnitsOnly) {
+  EXPECT_EQ(Upper(u"aéßÿıǆ"), u"AÉßŸIǄ");
+  EXPECT_EQ(Lower(u"AÉΣŸẞ"), u"aéσÿß");
+  EXPECT_TRUE(EqualNoCase(u"Straße ΟΔΟΣ", u"sTRAßE οδος"));
+  EXPECT_FALSE(EqualNoCase(u"ß", u"ss"));
+  // Deseret letters have case, but as surrogate pairs they have none.
+  EXPECT_FALSE(EqualNoCase(u"\U00010400", u"\U00010428"));
+}
+
+TEST(Text, AnsiCodeIsWindows1252) {
+  EXPECT_EQ(AnsiCode(u'A'), 65);
+  EXPECT_EQ(AnsiCode(u'€'), 0x80);
+  EXPECT_EQ(AnsiCode(u'Ÿ'), 0x9F);
+  EXPECT_EQ(AnsiCode(u'É'), 0xC9);
+  EXPECT_EQ(AnsiCode(u'Ω'), 63);
+  EXPECT_EQ(AnsiCode(0x81), 63);
+}
+
+TEST(Text, LeadingNumber) {
+  const std::vector<std::pair<String, Single>> rows = {
+      {u"2.5 pts", 2.5f}, {u"pts", 0},      {u"", 0},        {u" 1 2\t3\n4", 1234}, {u"-.5", -0.5f},
+      {u"+7", 7},         {u"--7", 0},      {u"1e2x", 100},  {u"1e", 1},            {u"1e+", 1},
+      {u"1 E - 2", 0.01f}, {u"&H1F", 0},    {u"1d2", 1},     {u"1.2.3", 1.2f},      {u"1\r2", 1},
+      {u"1e-999", 0},     {u"0e99999", 0},  {u"3.4028235e38", 3.4028235e38f},        {u"1,5", 1},
+      {u"0.0000001e8", 10}};
+  for (const auto& [text, number] : rows) EXPECT_EQ(LeadingNumber(text), number) << ToUtf8(text);
+  for (StringView text : {u"3.4028236e38", u"1e39", u"-1e39", u"1e99999999999999999999"}) {
+    EXPECT_THROW(LeadingNumber(text), Error) << ToUtf8(text);
+  }
+}
+
+TEST(Text, ValuesAsText) {
+  const std::vector<std::pair<TaggedValue, String>> rows = {
+      {true, u"True"}, {Integer{-3}, u"-3"}, {0.1f, u"0.1"}, {0.1, u"0.1"}, {100000.0, u"100000"}, {1e20, u"1E+20"},
+      {2.50, u"2.5"},  {-0.0, u"0"},         {u"x", u"x"}};
+  for (const auto& [value, text] : rows) EXPECT_EQ(TextOf(value), text);
+  EXPECT_THROW(TextOf(Null), Error);
+  EXPECT_THROW(TextOf(Ref<Object>()), Error);
+}
+
+TEST(Text, BooleanOf) {
+  for (StringView text : {u"true", u"TRUE", u"-1", u"0.5", u"1e3"}) EXPECT_TRUE(BooleanOf(text)) << ToUtf8(text);
+  for (StringView text : {u"False", u"0", u"0.0"}) EXPECT_FALSE(BooleanOf(text)) << ToUtf8(text);
+  for (StringView text : {u"", u"odd", u"1x", u"yes"}) EXPECT_THROW(BooleanOf(text), Error) << ToUtf8(text);
+}
+
+TEST(Text, Utf8BothWays) {
+  const String text = u"a\u00E9\u20AC\U0001F600";
+  EXPECT_EQ(ToUtf8(text), "a\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80");
+  EXPECT_EQ(FromUtf8(ToUtf8(text)), text);
+  String appended;
+  AppendUtf8(appended, ToUtf8(text));
+  EXPECT_EQ(appended, text);
+  EXPECT_EQ(FromUtf8(ToUtf8(String{u'a', 0xD800})), u"a\uFFFD");
+  EXPECT_EQ(FromUtf8("\xC0\x80|\xED\xA0\x80|\xF5|\xE2\x82"), u"\uFFFD\uFFFD|\uFFFD\uFFFD\uFFFD|\uFFFD|\uFFFD\uFFFD");
+}
+
+}  // namespace
+}  // namespace TORVA35
