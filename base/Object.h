@@ -44,6 +44,13 @@ T& Need(const Ref<T>& reference, CallSite at = CallSite::Current()) {
   return *reference;
 }
 
+/// Likewise for a pointer.
+template <class T>
+T& Need(T* pointer, CallSite at = CallSite::Current()) {
+  if (pointer == nullptr) Raise(kNothing, at);
+  return *pointer;
+}
+
 /// A reference that does not own, for an object that need not be under a counted reference of its own.
 template <class T>
 Ref<T> NotOwned(T& object) {

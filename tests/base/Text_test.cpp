@@ -43,11 +43,13 @@ TEST(Text, AnsiCodeIsWindows1252) {
 
 TEST(Text, LeadingNumber) {
   const std::vector<std::pair<String, Single>> rows = {
-      {u"2.5 pts", 2.5f}, {u"pts", 0},      {u"", 0},        {u" 1 2\t3\n4", 1234}, {u"-.5", -0.5f},
-      {u"+7", 7},         {u"--7", 0},      {u"1e2x", 100},  {u"1e", 1},            {u"1e+", 1},
-      {u"1 E - 2", 0.01f}, {u"&H1F", 0},    {u"1d2", 1},     {u"1.2.3", 1.2f},      {u"1\r2", 1},
-      {u"1e-999", 0},     {u"0e99999", 0},  {u"3.4028235e38", 3.4028235e38f},        {u"1,5", 1},
-      {u"0.0000001e8", 10}};
+      {u"2.5 pts", 2.5f},    {u"pts", 0},         {u"", 0},
+      {u" 1 2\t3\n4", 1234}, {u"-.5", -0.5f},     {u"+7", 7},
+      {u"--7", 0},           {u"1e2x", 100},      {u"1e", 1},
+      {u"1e+", 1},           {u"1 E - 2", 0.01f}, {u"&H1F", 0},
+      {u"1d2", 1},           {u"1.2.3", 1.2f},    {u"1\r2", 1},
+      {u"1e-999", 0},        {u"0e99999", 0},     {u"3.4028235e38", 3.4028235e38f},
+      {u"1,5", 1},           {u"0.0000001e8", 10}};
   for (const auto& [text, number] : rows) EXPECT_EQ(LeadingNumber(text), number) << ToUtf8(text);
   for (StringView text : {u"3.4028236e38", u"1e39", u"-1e39", u"1e99999999999999999999"}) {
     EXPECT_THROW(LeadingNumber(text), Error) << ToUtf8(text);
@@ -56,8 +58,8 @@ TEST(Text, LeadingNumber) {
 
 TEST(Text, ValuesAsText) {
   const std::vector<std::pair<TaggedValue, String>> rows = {
-      {true, u"True"}, {Integer{-3}, u"-3"}, {0.1f, u"0.1"}, {0.1, u"0.1"}, {100000.0, u"100000"}, {1e20, u"1E+20"},
-      {2.50, u"2.5"},  {-0.0, u"0"},         {u"x", u"x"}};
+      {true, u"True"},  {Integer{-3}, u"-3"}, {0.1f, u"0.1"}, {0.1, u"0.1"}, {100000.0, u"100000"},
+      {1e20, u"1E+20"}, {2.50, u"2.5"},       {-0.0, u"0"},   {u"x", u"x"}};
   for (const auto& [value, text] : rows) EXPECT_EQ(TextOf(value), text);
   EXPECT_THROW(TextOf(Null), Error);
   EXPECT_THROW(TextOf(Ref<Object>()), Error);
@@ -77,7 +79,8 @@ TEST(Text, Utf8BothWays) {
   AppendUtf8(appended, ToUtf8(text));
   EXPECT_EQ(appended, text);
   EXPECT_EQ(FromUtf8(ToUtf8(String{u'a', 0xD800})), u"a\uFFFD");
-  EXPECT_EQ(FromUtf8("\xC0\x80|\xED\xA0\x80|\xF5|\xE2\x82"), u"\uFFFD\uFFFD|\uFFFD\uFFFD\uFFFD|\uFFFD|\uFFFD\uFFFD");
+  EXPECT_EQ(FromUtf8("\xC0\x80|\xED\xA0\x80|\xF5|\xE2\x82"),
+            u"\uFFFD\uFFFD|\uFFFD\uFFFD\uFFFD|\uFFFD|\uFFFD\uFFFD");
 }
 
 }  // namespace

@@ -1,0 +1,88 @@
+#include "model/clsTORVATest.h"
+
+#include "base/Arithmetic.h"
+#include "errors/Reported.h"
+#include "errors/basError.h"
+
+namespace TORVA35 {
+namespace {
+
+constexpr Location kInitialize(u"TORVA35 - clsTORVATest.Class_Initialize");
+constexpr Location kNumObjectives(u"TORVA35 - clsTORVATest.NumObjectives");
+constexpr Location kClear(u"TORVA35 - clsTORVATest.Clear");
+constexpr Location kSetError(u"TORVA35 - clsTORVATest.SetError");
+constexpr Location kCopy(u"TORVA35 - clsTORVATest.Copy");
+
+}  // namespace
+
+clsTORVATest::clsTORVATest() {
+  ReportedConstruction(kInitialize, [&] {
+    questions_ = New<clsTORVATestQuestions>();
+    sequences_ = New<clsTORVATestSequences>();
+    multipleChoiceOddScale_ = New<clsTORVATestStrings>();
+    multipleChoiceEvenScale_ = New<clsTORVATestStrings>();
+    trueFalseScale_ = New<clsTORVATestStrings>();
+    yesNoScale_ = New<clsTORVATestStrings>();
+    multipleChoiceOddScale_->AddDelimitedString(u"A\tB\tC\tD");
+    multipleChoiceEvenScale_->AddDelimitedString(u"A\tB\tC\tD");
+    trueFalseScale_->AddDelimitedString(u"T\tF");
+    yesNoScale_->AddDelimitedString(u"Y\tN");
+  });
+}
+
+Long clsTORVATest::NumObjectives() const {
+  return Reported(kNumObjectives, Long{0}, [&](Long& result) {
+    Long sum = 0;
+    const Long count = Need(questions_).Count();
+    for (Long i = 1; i <= count; ++i) {
+      const clsTORVATestQuestion& question = Need(Need(questions_).Find(i));
+      sum = CheckedAdd(sum, Need(question.LearningObjectives()).Count());
+    }
+    result = sum;
+  });
+}
+
+void clsTORVATest::Clear() {
+  Reported(kClear, [&] {
+    Need(sequences_).RemoveAll();
+    Need(questions_).RemoveAll();
+    for (String* text : {&title_, &version_, &id_, &description_, &teacherID_, &createdBy_, &notes_})
+      text->clear();
+    userDefined_ = false;
+    source_ = TORVATestSourceTypeUnknown;
+  });
+}
+
+bool clsTORVATest::SetError(const Ref<Object>& oErr) {
+  return Reported(kSetError, false, [&](bool& result) {
+    basError::goErr() = oErr;
+    result = oErr != nullptr;
+  });
+}
+
+Ref<clsTORVATest> clsTORVATest::Copy() const {
+  return Reported(kCopy, Ref<clsTORVATest>(), [&](Ref<clsTORVATest>& result) {
+    auto copy = New<clsTORVATest>();
+    copy->MultipleChoiceEvenScale(Need(multipleChoiceEvenScale_).Copy());
+    copy->MultipleChoiceOddScale(Need(multipleChoiceOddScale_).Copy());
+    copy->YesNoScale(Need(yesNoScale_).Copy());
+    copy->TrueFalseScale(Need(trueFalseScale_).Copy());
+    copy->CreatedBy(CreatedBy());
+    copy->Description(Description());
+    copy->Notes(Notes());
+    copy->TeacherID(TeacherID());
+    copy->Title(Title());
+    copy->UserDefined(true);
+    copy->Version(Version());
+    copy->Source(Source());
+    const Long questions = Need(questions_).Count();
+    for (Long i = 1; i <= questions; ++i) Need(copy->questions_).Add(Need(Need(questions_).Find(i)).Copy());
+    const Long versions = Need(sequences_).Count();
+    for (Long i = 1; i <= versions; ++i) {
+      Need(copy->sequences_).Add(Need(Need(sequences_).Item(i)).Copy(questions_));
+    }
+    result = std::move(copy);
+  });
+}
+
+}  // namespace TORVA35

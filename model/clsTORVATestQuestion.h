@@ -1,0 +1,123 @@
+#pragma once
+
+#include <utility>
+
+#include "base/Export.h"
+#include "base/Object.h"
+#include "base/Text.h"
+#include "base/Types.h"
+#include "model/clsTORVATestCorrect.h"
+#include "model/clsTORVATestStrings.h"
+
+namespace TORVA35 {
+
+/// Kind of a question. A property of this type takes any Long; 0 has no name.
+enum TORVATestQuestionType : Long {
+  TORVATestQuestionTypeUnknown = -1,
+  TORVATestQuestionTypeTrueFalse = 1,
+  TORVATestQuestionTypeYesNo = 2,
+  TORVATestQuestionTypeMultipleChoice = 3,
+  TORVATestQuestionTypeModifiedTrueFalse = 4,
+  TORVATestQuestionTypeNumericResponse = 5,
+  TORVATestQuestionTypeCompletion = 6,
+  TORVATestQuestionTypeMatching = 7,
+  TORVATestQuestionTypeShortAnswer = 8,
+  TORVATestQuestionTypeProblem = 9,
+  TORVATestQuestionTypeEssay = 10,
+  TORVATestQuestionTypeCase = 11,
+  TORVATestQuestionTypeSubjective = 12,
+  TORVATestQuestionTypeOther = 13,
+  TORVATestQuestionTypeBimodal = 14,
+};
+
+/// One question of a test. A plain record: its properties have no failure of their own.
+class TORVA35_API clsTORVATestQuestion : public Object {
+ public:
+  clsTORVATestQuestion();
+
+  /// The question's own lists, never copies: changes are seen by every holder. Setting replaces the reference.
+  Ref<clsTORVATestStrings> LearningObjectives() const { return learningObjectives_; }
+  void LearningObjectives(Ref<clsTORVATestStrings> oValue) { learningObjectives_ = std::move(oValue); }
+  /// Texts of the answer choices, in the order in which they are shown.
+  Ref<clsTORVATestStrings> Answers() const { return answers_; }
+  void Answers(Ref<clsTORVATestStrings> oValue) { answers_ = std::move(oValue); }
+  /// 1-based positions in `Answers`; nothing keeps them inside it.
+  Ref<clsTORVATestCorrect> CorrectAnswers() const { return correctAnswers_; }
+  void CorrectAnswers(Ref<clsTORVATestCorrect> oValue) { correctAnswers_ = std::move(oValue); }
+
+  /// Points for a correct answer; 1 in a new question.
+  Single CorrectPoints() const { return correctPoints_; }
+  void CorrectPoints(Single sngValue) { correctPoints_ = sngValue; }
+  Single IncorrectPoints() const { return incorrectPoints_; }
+  void IncorrectPoints(Single sngValue) { incorrectPoints_ = sngValue; }
+  Single NoResponsePoints() const { return noResponsePoints_; }
+  void NoResponsePoints(Single sngValue) { noResponsePoints_ = sngValue; }
+  Single SubjectivePoints() const { return subjectivePoints_; }
+  void SubjectivePoints(Single sngValue) { subjectivePoints_ = sngValue; }
+
+  /// True, as in a new question, when all correct answers must be selected.
+  bool CorrectAnd() const { return correctAnd_; }
+  void CorrectAnd(bool bValue) { correctAnd_ = bValue; }
+  /// True when more than one answer must be selected: `CorrectAnswers` has several and `CorrectAnd` is True.
+  /// Raises 91 to the caller when `CorrectAnswers` was set to nothing.
+  bool MultiplesPermitted() const;
+
+  /// Of any length.
+  String QuestionText() const { return questionText_; }
+  void QuestionText(String sValue) { questionText_ = std::move(sValue); }
+  /// Kept to its first 255 units, as are `Topic`, `Keywords` and `Miscellaneous`; the rest is dropped silently.
+  String Difficulty() const { return difficulty_; }
+  void Difficulty(String sValue) { difficulty_ = Cut(std::move(sValue), kLimit); }
+  /// Of any length.
+  String Reference() const { return reference_; }
+  void Reference(String sValue) { reference_ = std::move(sValue); }
+  String Topic() const { return topic_; }
+  void Topic(String sValue) { topic_ = Cut(std::move(sValue), kLimit); }
+  String Keywords() const { return keywords_; }
+  void Keywords(String sValue) { keywords_ = Cut(std::move(sValue), kLimit); }
+  String Miscellaneous() const { return miscellaneous_; }
+  void Miscellaneous(String sValue) { miscellaneous_ = Cut(std::move(sValue), kLimit); }
+  /// Of any length.
+  String Notes() const { return notes_; }
+  void Notes(String sValue) { notes_ = std::move(sValue); }
+
+  /// Names the question across the versions of a test. Kept to its first 50 units. `clsTORVATestQuestions` files
+  /// the question under the ID that it has when it is added; a later change does not move it.
+  const String& ID() const { return id_; }
+  void ID(String sValue);
+
+  TORVATestQuestionType QuestionType() const { return static_cast<TORVATestQuestionType>(questionType_); }
+  void QuestionType(Long eValue) { questionType_ = eValue; }
+
+  /// A new question with equal fields and lists of its own, copied as `Copy` of `clsTORVATestStrings` and of
+  /// `clsTORVATestCorrect` do. A list that was set to nothing is reported; then nothing.
+  Ref<clsTORVATestQuestion> Copy() const;
+
+  /// How often the calling thread has changed an ID, of whatever question: what was derived from IDs is still
+  /// right while this number is the same.
+  static std::uint64_t IDChanges();
+
+ private:
+  static constexpr std::size_t kLimit = 255;
+  static constexpr std::size_t kIDLimit = 50;
+
+  Ref<clsTORVATestStrings> learningObjectives_;
+  Ref<clsTORVATestStrings> answers_;
+  Ref<clsTORVATestCorrect> correctAnswers_;
+  Single correctPoints_ = 1;
+  Single incorrectPoints_ = 0;
+  Single noResponsePoints_ = 0;
+  Single subjectivePoints_ = 0;
+  Long questionType_ = TORVATestQuestionTypeUnknown;
+  bool correctAnd_ = true;
+  String questionText_;
+  String difficulty_;
+  String reference_;
+  String topic_;
+  String keywords_;
+  String miscellaneous_;
+  String notes_;
+  String id_;
+};
+
+}  // namespace TORVA35
