@@ -1,0 +1,35 @@
+#pragma once
+
+#include <utility>
+#include <vector>
+
+#include "base/CallSite.h"
+#include "base/Export.h"
+#include "base/Object.h"
+#include "base/TaggedValue.h"
+#include "base/Types.h"
+#include "platform/ListPosition.h"
+
+namespace TORVA35 {
+
+/// What the lists of a form and of an LMF file have in common: an ordered list of shared objects, with positions
+/// from 1 to `Count`. Base: what the list is besides, an `Object` at least.
+template <class T, class Base = Object>
+class TORVA35_API ObjectList : public Base {
+ public:
+  virtual Long Count() const { return static_cast<Long>(items_.size()); }
+
+  /// The shared object at a position, a number: the nearest whole one, ties to the even one. Raises 9 for a
+  /// position that does not exist and 13 for an index that is no number.
+  virtual Ref<T> Item(const TaggedValue& Index, CallSite at = CallSite::Current()) const {
+    return items_[PlaceOf(Index, items_.size(), at)];
+  }
+
+  auto begin() const { return items_.begin(); }
+  auto end() const { return items_.end(); }
+
+ protected:
+  std::vector<Ref<T>> items_;
+};
+
+}  // namespace TORVA35

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <utility>
+#include <vector>
+
+#include "platform/StringList.h"
+
+namespace TORVA35 {
+
+/// The labels or the values of a form question, one for each answer position.
+class TORVA35_API clsTemplateStrings : public StringList {
+ public:
+  clsTemplateStrings() = default;
+
+  explicit clsTemplateStrings(std::vector<String> sTexts) : StringList(std::move(sTexts)) {}
+
+  /// A new list with the same strings.
+  Ref<clsTemplateStrings> Copy() const { return New<clsTemplateStrings>(std::vector<String>(begin(), end())); }
+};
+
+}  // namespace TORVA35
