@@ -1,0 +1,345 @@
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cmath>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <limits>
+#include <string>
+#include <vector>
+
+#include "platform/clsLmf.h"
+#include "tests/LmfText.h"
+#include "tests/TempFile.h"
+
+namespace TORVA35 {
+namespace {
+
+namespace fs = std::filesystem;
+using namespace std::string_literals;
+
+// A folder of its own, gone when the object goes.
+struct Folder {
+  Folder() { fs::create_directory(path); }
+  ~Folder() { fs::remove_all(path); }
+
+  std::string File(const char* name) const { return path + "/" + name; }
+  std::vector<std::string> Names() const {
+    std::vector<std::string> names;
+    for (const auto& entry : fs::directory_iterator(path)) names.push_back(entry.path().filename());
+    return names;
+  }
+
+  std::string path = testing::TempDir() + "torva35-lmf-" + std::to_string(getpid());
+};
+
+std::string Bytes(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+void Write(const std::string& path, std::string_view bytes) {
+  std::ofstream(path, std::ios::binary).write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+}
+
+bool Save(const clsLmf& lmf, const std::string& path) {
+  return lmf.Save(FromUtf8(path));
+}
+
+// The model that Open makes of these bytes, or "refused"; a refusal has to leave an empty model.
+String Opened(std::string_view bytes) {
+  const TempFile file(bytes);
+  clsLmf lmf;
+  lmf.Prepare();
+  lmf.Description(u"from before");
+  lmf.Questions()->Add(New<clsLmfQuestion>());
+  if (lmf.Open(file.Path())) return LmfText(lmf);
+  EXPECT_EQ(LmfText(lmf), LmfText(clsLmf()));
+  return u"refused";
+}
+
+// Each of these strings is lost by some naive way of storing it.
+const std::vector<String> kNasty = {
+    u"",
+    u" ",
+    u" \t\r\n ",
+    u" both ends ",
+    u"a\r\nb\rc\nd",
+    u"<a href=\"x\">&amp;'</a>]]>",
+    u"\\",
+    u"\\u0041\\\\|",
+    u"|",
+    u"a|b|",
+    String(u"NUL \0 inside", 12),
+    String(1, u'\0'),
+    u"\u0001\u001F\u007F\u0085\u009F\u2028\uFEFF\uFFFD",
+    u"\uFFFE\uFFFF",
+    String{0xD800},
+    String{u'x', 0xDC00, 0xD83D},
+    String{0xDC00, 0xD800},
+    u"\U0001F600é€\U0010FFFF",
+};
+
+Ref<clsLmfQuestion> NastyQuestion(std::size_t seed) {
+  auto text = [&, i = seed]() mutable { return kNasty[i++ % kNasty.size()]; };
+  auto question = New<clsLmfQuestion>();
+  question->Name(text());
+  question->Text(text());
+  question->DefaultText(text());
+  question->Difficulty(text());
+  question->Reference(text());
+  question->Topic(text());
+  question->Keywords(text());
+  question->Miscellaneous(text());
+  question->Notes(text());
+  for (std::size_t i = 0; i < seed; ++i) question->Labels()->Add(text());
+  for (std::size_t i = 0; i < seed / 2; ++i) question->Values()->Add(text());
+  question->CorrectLabels()->Add(text());
+  question->CorrectValues()->Add(text());
+  question->CorrectValues()->Add(text());
+  question->ObjectiveFlags()->AddFalse(static_cast<Long>(seed));
+  for (std::size_t i = 1; i <= seed; i += 1 + i / 3) question->ObjectiveFlags()->Value(static_cast<Long>(i), true);
+  question->Graded(seed % 2 == 0);
+  question->Subjective(seed % 3 == 0);
+  question->CorrectAnd(seed % 5 == 0);
+  return question;
+}
+
+void FillNasty(clsLmf& lmf) {
+  lmf.Prepare();
+  lmf.Description(kNasty[4]);
+  lmf.Notes(kNasty[2]);
+  lmf.Mode(std::numeric_limits<Long>::min());
+  lmf.PageCount(std::numeric_limits<Long>::max());
+  for (std::size_t i = 0; i < kNasty.size(); ++i) {
+    auto objective = New<clsLmfObjective>();
+    objective->Text(kNasty[i]);
+    if (i % 4 == 3) {
+      lmf.Objectives()->Add(objective);
+    } else {
+      lmf.Objectives()->Add(objective, kNasty[i]);
+    }
+    lmf.Versions()->VersionNames()->Add(kNasty[i]);
+    lmf.Questions()->Add(NastyQuestion(i * 5));
+  }
+  lmf.Versions()->SequenceQuestion(-7);
+  lmf.Versions()->Sequences()->AddDefault(18);
+  auto sequence = New<clsLmfSequence>();
+  lmf.Versions()->Sequences()->Add(sequence);
+  sequence = New<clsLmfSequence>();
+  sequence->SetOrder(Array<Long>(1, {3, -1, std::numeric_limits<Long>::max(), std::numeric_limits<Long>::min()}));
+  lmf.Versions()->Sequences()->Add(sequence);
+
+  const auto numbers = lmf.Questions()->Item(1);
+  numbers->QuestionMode(std::numeric_limits<Long>::min());
+  numbers->CorrectCount(std::numeric_limits<Long>::max());
+  numbers->Multiples(std::numeric_limits<Integer>::min());
+  numbers->CarriedFlag1(std::numeric_limits<Integer>::max());
+  numbers->CarriedFlag2(-1);
+  numbers->CorrectPoints(0.1);
+  numbers->IncorrectPoints(-std::numeric_limits<Double>::infinity());
+  numbers->NoResponsePoints(std::numeric_limits<Double>::quiet_NaN());
+  numbers->SubjectivePoints(std::numeric_limits<Double>::denorm_min());
+  numbers->DefaultValue(1.0 / 3);
+}
+
+TEST(LmfFile, AnOpenedModelIsEqualToTheSavedOne) {
+  const Folder folder;
+  clsLmf lmf;
+  FillNasty(lmf);
+  lmf.Questions()->Item(2)->CorrectPoints(-0.0);
+  ASSERT_TRUE(Save(lmf, folder.File("a")));
+  clsLmf opened;
+  ASSERT_TRUE(opened.Open(FromUtf8(folder.File("a"))));
+  EXPECT_EQ(LmfText(opened), LmfText(lmf));
+  EXPECT_TRUE(std::signbit(opened.Questions()->Item(2)->CorrectPoints()));
+  EXPECT_TRUE(opened.Objectives()->Exists(kNasty[5]));
+  ASSERT_TRUE(Save(opened, folder.File("b")));
+  EXPECT_EQ(Bytes(folder.File("b")), Bytes(folder.File("a")));
+}
+
+TEST(LmfFile, ObjectivesWithoutTheBuiltInOneGetItWithAFlag) {
+  clsLmf lmf;
+  auto objective = New<clsLmfObjective>();
+  objective->Text(u"x");
+  lmf.Objectives()->Add(objective, u"x");
+  lmf.Questions()->Add(New<clsLmfQuestion>());
+  lmf.Questions()->Add(New<clsLmfQuestion>());
+  lmf.Questions()->Item(2)->ObjectiveFlags()->Add(true);
+  const TempFile file;
+  ASSERT_TRUE(lmf.Save(file.Path()));
+  clsLmf opened;
+  ASSERT_TRUE(opened.Open(file.Path()));
+  lmf.Prepare();
+  lmf.Questions()->Item(2)->ObjectiveFlags()->RemoveAll();
+  lmf.Questions()->Item(2)->ObjectiveFlags()->Add(false);
+  lmf.Questions()->Item(2)->ObjectiveFlags()->Add(true);
+  EXPECT_EQ(LmfText(opened), LmfText(lmf));
+}
+
+TEST(LmfFile, NoByteCanBeLostOrChanged) {
+  clsLmf lmf;
+  lmf.Prepare();
+  lmf.Questions()->Add(NastyQuestion(4));
+  lmf.Versions()->Sequences()->AddDefault(1);
+  const TempFile file;
+  ASSERT_TRUE(lmf.Save(file.Path()));
+  const std::string good = Bytes(ToUtf8(file.Path()));
+  ASSERT_NE(Opened(good), u"refused");
+  for (std::size_t i = 0; i < good.size(); ++i) {
+    EXPECT_EQ(Opened(good.substr(0, i)), u"refused") << i;
+    std::string changed = good;
+    changed[i] = static_cast<char>(changed[i] ^ 1);
+    EXPECT_EQ(Opened(changed), u"refused") << i;
+  }
+  EXPECT_EQ(Opened(good + "\n"), u"refused");
+}
+
+TEST(LmfFile, TheDocumentedExampleIsWhatSaveWrites) {
+  const std::string page = Bytes(fs::path(TEST_DATA).parent_path().parent_path() / "docs/lmf-format.md");
+  const std::size_t begin = page.find("```xml\n") + 7;
+  const std::string example = page.substr(begin, page.find("\n```", begin) - begin);
+  const TempFile file(example);
+  clsLmf lmf;
+  ASSERT_TRUE(lmf.Open(file.Path()));
+  ASSERT_TRUE(lmf.Save(file.Path()));
+  EXPECT_EQ(Bytes(ToUtf8(file.Path())), example);
+}
+
+// Files of other writers may lack the checksum, so that the reader has to look itself.
+std::string Document(std::string_view attributes, std::string_view objectives, std::string_view questions,
+                     std::string_view versions) {
+  return "<lmf " + std::string(attributes) + "><objectives>" + std::string(objectives) +
+         "</objectives><questions>" + std::string(questions) + "</questions>" + std::string(versions) + "</lmf>";
+}
+
+TEST(LmfFile, AFileWrittenByHandOpens) {
+  const String opened =
+      Opened(Document("version='1' mode='1'", "<objective text='All'/><objective text='a' key='K'/>",
+                      "<!-- one --><question text='\\u00e9|\\\\' labels='A||' graded='0'\n"
+                      "objectives='5:88' correctPoints='1e1'/>",
+                      "<versions names='|'><sequence>\n 1  2\n</sequence><sequence/></versions>"));
+  for (const StringView line : {u"Mode: 1", u"Objective: All", u"Key: K", u"Text: é|\\", u"Labels 1: A",
+                                u"Labels 2: ", u"ObjectiveFlags: 10001", u"CorrectPoints: 10", u"VersionNames 1: ",
+                                u"VersionMode: 2", u"Sequence:  1 2", u"Sequence: "}) {
+    EXPECT_NE(opened.find(u"\n" + String(line) + u"\n"), opened.npos) << ToUtf8(line);
+  }
+}
+
+TEST(LmfFile, ForeignAndInconsistentFilesAreRefused) {
+  const auto question = [](std::string_view attributes) {
+    return Document("version='1'", "<objective/>", "<question " + std::string(attributes) + "/>", "<versions/>");
+  };
+  ASSERT_NE(Opened(question("")), u"refused");
+  const std::string refused[] = {
+      "",
+      "no XML",
+      "<lmf/>",
+      "<LMF version='1'/>",
+      Document("", "<objective/>", "", "<versions/>"),
+      Document("version='2'", "<objective/>", "", "<versions/>"),
+      Document("version='1' color='x'", "<objective/>", "", "<versions/>"),
+      Document("version='1' mode='2147483648'", "<objective/>", "", "<versions/>"),
+      Document("version='1' mode=''", "<objective/>", "", "<versions/>"),
+      Document("version='1'", "", "", "<versions/>"),
+      Document("version='1'", "<objective key='x'/>", "", "<versions/>"),
+      Document("version='1'", "<objective/><objective key='x'/><objective key='X'/>", "", "<versions/>"),
+      Document("version='1'", "<objective/>text", "", "<versions/>"),
+      Document("version='1'", "<objective/>", "<q/>", "<versions/>"),
+      Document("version='1'", "<objective/>", "<question><x/></question>", "<versions/>"),
+      Document("version='1'", "<objective/>", "", ""),
+      Document("version='1'", "<objective/>", "", "<versions/><versions/>"),
+      Document("version='1'", "<objective/>", "", "<versions/><check crc32='00000000'/>"),
+      Document("version='1'", "<objective/>", "", "<versions><sequence>1 x</sequence></versions>"),
+      Document("version='1'", "<objective/>", "", "<versions><sequence>1<x/>2</sequence></versions>"),
+      Document("version='1'", "<objective/>", "", "<versions><sequence>4294967297</sequence></versions>"),
+      question("color='x'"),
+      question("text='\\'"),
+      question("text='\\u12'"),
+      question("text='\\u12 4'"),
+      question("text='\\n'"),
+      question("labels='A'"),
+      question("graded='2'"),
+      question("graded=''"),
+      question("multiples='32768'"),
+      question("multiples='1.5'"),
+      question("correctPoints='1e999'"),
+      question("correctPoints='1,5'"),
+      question("objectives='2000000000:0'"),
+      question("objectives='-1:'"),
+      question("objectives='5:8'"),
+      question("objectives='4:80'"),
+      question("objectives='3:1'"),
+      question("objectives='4:g'"),
+      question("objectives='4'"),
+  };
+  for (const std::string& bytes : refused) EXPECT_EQ(Opened(bytes), u"refused") << bytes;
+
+  const Folder folder;
+  clsLmf lmf;
+  EXPECT_FALSE(lmf.Open(FromUtf8(folder.File("missing"))));
+  EXPECT_FALSE(lmf.Open(FromUtf8(folder.path)));
+  EXPECT_FALSE(lmf.Open(u""));
+  ASSERT_EQ(mkfifo(folder.File("pipe").c_str(), 0600), 0);
+  EXPECT_FALSE(lmf.Open(FromUtf8(folder.File("pipe"))));
+}
+
+TEST(LmfFile, AFailedSaveLeavesTheOldFile) {
+  const Folder folder;
+  const std::string path = folder.File("a.lmf");
+  clsLmf lmf;
+  lmf.Notes(u"old");
+  ASSERT_TRUE(Save(lmf, path));
+  const std::string old = Bytes(path);
+
+  // As when the disk is full: the second buffer does not go out.
+  lmf.Notes(String(200000, u'x'));
+  rlimit before;
+  ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &before), 0);
+  const rlimit small{100000, before.rlim_max};
+  const auto oldAction = signal(SIGXFSZ, SIG_IGN);
+  ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
+  const bool saved = Save(lmf, path);
+  ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &before), 0);
+  signal(SIGXFSZ, oldAction);
+
+  EXPECT_FALSE(saved);
+  EXPECT_EQ(Bytes(path), old);
+  EXPECT_EQ(folder.Names(), std::vector<std::string>{"a.lmf"});
+  EXPECT_TRUE(Save(lmf, path));
+  EXPECT_GT(Bytes(path).size(), 200000u);
+
+  EXPECT_FALSE(Save(lmf, folder.File("none/a.lmf")));
+  EXPECT_FALSE(Save(lmf, folder.path));
+  EXPECT_FALSE(Save(lmf, folder.path + "/"));
+  EXPECT_FALSE(Save(lmf, ""));
+  EXPECT_FALSE(lmf.Save(FromUtf8(folder.File("b")) + String(1, u'\0')));
+  EXPECT_EQ(folder.Names(), std::vector<std::string>{"a.lmf"});
+  ASSERT_EQ(mkfifo(folder.File("pipe").c_str(), 0600), 0);
+  EXPECT_FALSE(Save(lmf, folder.File("pipe")));
+  EXPECT_TRUE(fs::is_fifo(folder.File("pipe")));
+}
+
+TEST(LmfFile, ASaveKeepsAccessRightsAndFollowsALink) {
+  const Folder folder;
+  const std::string target = folder.File("target");
+  Write(target, "old");
+  fs::permissions(target, fs::perms(0640));
+  fs::create_symlink("target", folder.File("link"));
+  EXPECT_TRUE(Save(clsLmf(), folder.File("link")));
+  EXPECT_TRUE(fs::is_symlink(folder.File("link")));
+  EXPECT_EQ(fs::status(target).permissions(), fs::perms(0640));
+  clsLmf opened;
+  EXPECT_TRUE(opened.Open(FromUtf8(target)));
+  // The name takes all the room that a name has.
+  const std::string longName = folder.File(std::string(255, 'n').c_str());
+  EXPECT_TRUE(Save(clsLmf(), longName));
+  EXPECT_EQ(folder.Names().size(), 3u);
+}
+
+}  // namespace
+}  // namespace TORVA35
