@@ -2,6 +2,7 @@
 
 #include "errors/Caught.h"
 #include "errors/basError.h"
+#include "errors/modStartup.h"
 
 namespace TORVA35 {
 
@@ -16,6 +17,11 @@ void ReportCaught(Location where, CallSite member) noexcept {
   }
 }
 
-void StartUp() {}
+void StartUp() {
+  static thread_local bool started = false;
+  if (started) return;
+  started = true;
+  modStartup::Main();
+}
 
 }  // namespace TORVA35
