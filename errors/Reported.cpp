@@ -8,10 +8,13 @@ namespace TORVA35 {
 
 void ReportCaught(Location where, CallSite member) noexcept {
   try {
-    const Error error = CaughtError();
-    const Long line = error.Line() > 0 ? error.Line() : static_cast<Long>(member.Line());
-    basError::ReportError(line, error.Number(), 0, error.Description(), String(where.Text()), {}, {}, {}, {}, 1, {},
-                          {}, {}, false);
+    // Guarded: what a foreign exception says of itself comes from the host's code.
+    RunGuarded([&] {
+      const Error error = CaughtError();
+      const Long line = error.Line() > 0 ? error.Line() : static_cast<Long>(member.Line());
+      basError::ReportError(line, error.Number(), 0, error.Description(), String(where.Text()), {}, {}, {}, {}, 1,
+                            {}, {}, {}, false);
+    });
   } catch (...) {
     // Memory is exhausted to the last: there is nothing to build a report from.
   }

@@ -212,6 +212,8 @@ void PassOn(int signal, siginfo_t* info, void* context) {
   state.innermost = frame.outer;
   Describe(frame.record, signal, info);
   KeepFloatingPointControl(context);
+  // Whoever stands between the system and our handler may have blocked more than we asked for.
+  pthread_sigmask(SIG_SETMASK, &context.uc_sigmask, nullptr);
   state.handling = 0;
   siglongjmp(frame.jump, 1);
 }
@@ -378,7 +380,7 @@ ExceptionFilter SetUnhandledExceptionFilter(ExceptionFilter filter) {
 void RunGuardedBody(void (*run)(void* body), void* body) {
   Frame frame;
   const Running running(frame);
-  // The mask is not saved, which would cost a system call: the handler blocks nothing.
+  // The mask is not saved, which would cost a system call: the handler knows that of the fault.
   if (sigsetjmp(frame.jump, 0) != 0) RaiseFault(frame);
   // Not before the jump is set: the call that sets it may itself find the stack at its end.
   state.innermost = &frame;
