@@ -26,10 +26,11 @@ constexpr NumberedText kTexts[] = {
 
 }  // namespace
 
-Error::Error(Long number, String description, Long line)
+Error::Error(Long number, String description, Long line, String source)
     : number_(number),
       line_(line),
       description_(std::move(description)),
+      source_(std::move(source)),
       what_(std::to_string(number) + ": " + ToUtf8(description_)) {}
 
 String StandardText(Long number) {

@@ -26,12 +26,14 @@ enum ErrorNumber : Long {
 /// accessor, which has no handler. A host's own object may throw one to say number and description.
 class TORVA35_API Error : public std::exception {
  public:
-  /// line: source line of the failing statement, 0 when none is known.
-  Error(Long number, String description, Long line = 0);
+  /// line: source line of the failing statement, 0 when none is known. source: what raised the failure, for a host
+  /// that looks at it; reports do not carry it.
+  Error(Long number, String description, Long line = 0, String source = {});
 
   Long Number() const { return number_; }
   const String& Description() const { return description_; }
   Long Line() const { return line_; }
+  const String& Source() const { return source_; }
 
   /// Number and description in UTF-8.
   const char* what() const noexcept override { return what_.c_str(); }
@@ -40,6 +42,7 @@ class TORVA35_API Error : public std::exception {
   Long number_;
   Long line_;
   String description_;
+  String source_;
   std::string what_;
 };
 

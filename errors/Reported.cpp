@@ -2,20 +2,29 @@
 
 #include "errors/Caught.h"
 #include "errors/basError.h"
+#include "errors/modStartup.h"
 
 namespace TORVA35 {
 
 void ReportCaught(Location where, CallSite member) noexcept {
   try {
-    const Error error = CaughtError();
-    const Long line = error.Line() > 0 ? error.Line() : static_cast<Long>(member.Line());
-    basError::ReportError(line, error.Number(), 0, error.Description(), String(where.Text()), {}, {}, {}, {}, 1, {},
-                          {}, {}, false);
+    // Guarded: what a foreign exception says of itself comes from the host's code.
+    RunGuarded([&] {
+      const Error error = CaughtError();
+      const Long line = error.Line() > 0 ? error.Line() : static_cast<Long>(member.Line());
+      basError::ReportError(line, error.Number(), 0, error.Description(), String(where.Text()), {}, {}, {}, {}, 1,
+                            {}, {}, {}, false);
+    });
   } catch (...) {
     // Memory is exhausted to the last: there is nothing to build a report from.
   }
 }
 
-void StartUp() {}
+void StartUp() {
+  static thread_local bool started = false;
+  if (started) return;
+  started = true;
+  modStartup::Main();
+}
 
 }  // namespace TORVA35

@@ -10,6 +10,7 @@
 #include "errors/ErrorObject.h"
 #include "platform/Desktop.h"
 #include "platform/FaultGuard.h"
+#include "platform/ThreadOwned.h"
 
 namespace TORVA35::basError {
 namespace {
@@ -25,58 +26,59 @@ String FailureText(const TaggedValue& vNumber, const String& sDescription, const
   return u"Error# " + TextOf(vNumber) + u": " + sDescription + u", Location: " + sLocation;
 }
 
-// The host's object, held for the length of a call, with the method that is about to be called.
+// The method of the host's object that is about to be called.
 template <class Method>
-struct Bound {
-  Ref<Object> object;
-  Method& method;
-};
-
-template <class Method>
-Bound<Method> Bind(CallSite at) {
-  Ref<Object> object = goErr();
-  auto* method = dynamic_cast<Method*>(&Need(object, at));
+Method& Bind(const Ref<Object>& host, CallSite at) {
+  auto* method = dynamic_cast<Method*>(&Need(host, at));
   if (method == nullptr) Raise(kNoSuchMethod, at);
-  return {std::move(object), *method};
+  return *method;
 }
 
 }  // namespace
 
 Ref<Object>& goErr() {
-  static thread_local Ref<Object> slot;
-  return slot;
+  static thread_local Ref<Object>* slot = nullptr;
+  return ThreadOwned(slot);
 }
 
 Integer ReportError(Long lLine, TaggedValue vNumber, Long lArgument3, String sDescription, String sLocation,
                     String sArgument6, String sArgument7, String sArgument8, String sArgument9, Long lArgument10,
                     String sArgument11, String sArgument12, String sArgument13, bool bArgument14) noexcept {
   Integer result = 0;
+  // Outside the guarded body, whose frame is abandoned when the error object faults. The object is held, since it
+  // may replace itself in the slot. Copies, since what it does to its arguments must not reach the second message
+  // box.
+  Ref<Object> host;
+  TaggedValue number;
+  String description;
+  String location;
   try {
     RunGuarded([&] {
       SetDefaultMousePointer();
       if (lLine > 0) sLocation += u"; Line: " + Decimal(lLine);
-      if (goErr() == nullptr) {
+      host = goErr();
+      if (host == nullptr) {
         ShowMessageBox(FailureText(vNumber, sDescription, sLocation), ApplicationError(), kWarningStyle);
         return;
       }
-      // Copies: what the error object does to its arguments must not reach the text of the second message box.
-      TaggedValue number = vNumber;
-      String description = sDescription;
-      String location = sLocation;
-      const auto host = Bind<HasRaiseError>(CallSite::Current());
+      number = vNumber;
+      description = sDescription;
+      location = sLocation;
       const TaggedValue reply =
-          host.method.RaiseError(number, lArgument3, description, location, sArgument6, sArgument7, sArgument8,
-                                 sArgument9, lArgument10, sArgument11, sArgument12, sArgument13, bArgument14);
+          Bind<HasRaiseError>(host, CallSite::Current())
+              .RaiseError(number, lArgument3, description, location, sArgument6, sArgument7, sArgument8,
+                          sArgument9, lArgument10, sArgument11, sArgument12, sArgument13, bArgument14);
       result = Rounded<Integer>(NumberOf(reply));
     });
   } catch (...) {
-    result = 0;
     try {
-      const Long number = CaughtNumber();
-      ShowMessageBox(u"Application error: (#" + Decimal(number) + u") " + StandardText(number) +
-                         u" occurred while trying to display:\r\n\r\n" +
-                         FailureText(vNumber, sDescription, sLocation),
-                     ApplicationError(), kWarningStyle);
+      const Long stopper = CaughtNumber();
+      RunGuarded([&] {
+        ShowMessageBox(u"Application error: (#" + Decimal(stopper) + u") " + StandardText(stopper) +
+                           u" occurred while trying to display:\r\n\r\n" +
+                           FailureText(vNumber, sDescription, sLocation),
+                       ApplicationError(), kWarningStyle);
+      });
     } catch (...) {
       // Nothing is left to report through.
     }
@@ -86,9 +88,14 @@ Integer ReportError(Long lLine, TaggedValue vNumber, Long lArgument3, String sDe
 
 TaggedValue MsgBoxEx(String sTitle, String sText, Long lStyle, TaggedValue vOwner, String sButton1,
                      TaggedValue vButton2, CallSite at) {
-  const auto host = Bind<HasMsgBoxEx>(at);
-  return host.method.MsgBoxEx(std::move(sTitle), std::move(sText), lStyle, std::move(vOwner), std::move(sButton1),
-                              std::move(vButton2));
+  // Held and guarded for the reasons above.
+  const Ref<Object> host = goErr();
+  TaggedValue reply;
+  RunGuarded([&] {
+    reply = Bind<HasMsgBoxEx>(host, at).MsgBoxEx(std::move(sTitle), std::move(sText), lStyle, std::move(vOwner),
+                                                 std::move(sButton1), std::move(vButton2));
+  });
+  return reply;
 }
 
 }  // namespace TORVA35::basError

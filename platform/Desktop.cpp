@@ -5,20 +5,32 @@
 #include <utility>
 
 #include "base/Text.h"
+#include "platform/ThreadOwned.h"
 
 namespace TORVA35 {
 namespace {
 
-thread_local MessageBoxHook messageBox;
-thread_local MousePointerHook mousePointer;
+struct Hooks {
+  MessageBoxHook messageBox;
+  MousePointerHook mousePointer;
+};
+
+Hooks& ThreadHooks() {
+  static thread_local Hooks* hooks = nullptr;
+  return ThreadOwned(hooks);
+}
 
 }  // namespace
 
-void SetMessageBoxHook(MessageBoxHook hook) { messageBox = std::move(hook); }
-void SetMousePointerHook(MousePointerHook hook) { mousePointer = std::move(hook); }
+void SetMessageBoxHook(MessageBoxHook hook) {
+  ThreadHooks().messageBox = std::move(hook);
+}
+void SetMousePointerHook(MousePointerHook hook) {
+  ThreadHooks().mousePointer = std::move(hook);
+}
 
 void ShowMessageBox(const String& sText, const String& sTitle, Long lStyle) {
-  if (const MessageBoxHook hook = messageBox) {
+  if (const MessageBoxHook hook = ThreadHooks().messageBox) {
     hook(sText, sTitle, lStyle);
     return;
   }
@@ -27,7 +39,7 @@ void ShowMessageBox(const String& sText, const String& sTitle, Long lStyle) {
 }
 
 void SetDefaultMousePointer() {
-  if (const MousePointerHook hook = mousePointer) hook();
+  if (const MousePointerHook hook = ThreadHooks().mousePointer) hook();
 }
 
 }  // namespace TORVA35

@@ -1,0 +1,357 @@
+#include "platform/FaultGuard.h"
+
+#include <gtest/gtest.h>
+#include <pthread.h>
+#include <setjmp.h>
+
+#include <cstring>
+#include <exception>
+#include <memory>
+#include <ostream>
+#include <thread>
+
+#include "Faults.h"
+#include "InChild.h"
+
+namespace TORVA35 {
+namespace {
+
+[[noreturn]] Long Throwing(ExceptionPointers& pointers) {
+  throw Error(static_cast<Long>(pointers.Record->Code), u"");
+}
+
+std::string Hex(Long code) {
+  char text[16];
+  snprintf(text, sizeof text, "%08X", static_cast<unsigned>(code));
+  return text;
+}
+
+// What comes out of a member that runs the body: the code of the fault, or "-" when it comes to its end.
+template <class Body>
+std::string Member(Body body) {
+  try {
+    RunGuarded(body);
+    return "-";
+  } catch (const Error& error) {
+    return Hex(error.Number());
+  }
+}
+
+struct Fault {
+  const char* name;
+  void (*cause)();
+  const char* code;
+};
+
+void PrintTo(const Fault& fault, std::ostream* out) {
+  *out << fault.name;
+}
+
+class RealFault : public testing::TestWithParam<Fault> {};
+
+TEST_P(RealFault, ComesBackEachTime) {
+  if (kThreadSanitizer && std::string("MisalignedRead") == GetParam().name) {
+    GTEST_SKIP() << "its own handler, which runs first, does not end the alignment check";
+  }
+  const auto threeTimes = [] {
+    SetUnhandledExceptionFilter(Throwing);
+    std::string codes;
+    for (int i = 0; i < 3; ++i) codes += Member(GetParam().cause) + ' ';
+    return codes;
+  };
+  const std::string code = GetParam().code;
+  const std::string expected = code + ' ' + code + ' ' + code + ' ';
+  EXPECT_EQ(InChild(threeTimes), expected);
+  EXPECT_EQ(InChild([&] {
+              std::string codes;
+              std::thread([&] { codes = threeTimes(); }).join();
+              return codes;
+            }),
+            expected)
+      << "on a thread of its own";
+}
+
+const Fault kFaults[] = {
+    {"NullRead", faults::NullRead, "C0000005"},
+    {"EndlessRecursion", faults::EndlessRecursion, "C00000FD"},
+    {"ReadBehindFileEnd", faults::ReadBehindFileEnd, "C0000006"},
+    {"IllegalInstruction", faults::IllegalInstruction, "C000001D"},
+#if defined(__x86_64__)
+    {"IntegerDivision", faults::IntegerDivision, "C0000094"},
+    {"FloatDivision", faults::FloatDivision, "C000008E"},
+    {"Breakpoint", faults::Breakpoint, "80000003"},
+    {"SingleStep", faults::SingleStep, "80000004"},
+    {"MisalignedRead", faults::MisalignedRead, "80000002"},
+#endif
+};
+
+INSTANTIATE_TEST_SUITE_P(FaultGuard, RealFault, testing::ValuesIn(kFaults),
+                         [](const auto& row) { return row.param.name; });
+
+void NoThrow() noexcept {
+  faults::NullRead();
+}
+
+TEST(FaultGuard, InnermostMemberGetsTheFault) {
+  EXPECT_EQ(InChild([] {
+              SetUnhandledExceptionFilter(Throwing);
+              std::string trace;
+              trace += "outer:" + Member([&] {
+                         trace += "inner:" + Member(NoThrow) + ' ';
+                         trace += "returned:" + Member([] {}) + ' ';
+                         try {
+                           RunGuarded([] { throw 1; });
+                         } catch (int) {
+                           trace += "thrown ";
+                         }
+                         NoThrow();
+                       });
+              return trace;
+            }),
+            "inner:C0000005 returned:- thrown outer:C0000005");
+}
+
+TEST(FaultGuard, TwoThreadsFaultSideBySide) {
+  EXPECT_EQ(InChild([] {
+              std::string codes[2];
+              const auto run = [](std::string& result, void (*cause)()) {
+                SetUnhandledExceptionFilter(Throwing);
+                for (int i = 0; i < 100; ++i) result = Member(cause);
+              };
+              std::thread first(run, std::ref(codes[0]), faults::NullRead);
+              std::thread second(run, std::ref(codes[1]), faults::EndlessRecursion);
+              first.join();
+              second.join();
+              return codes[0] + ' ' + codes[1];
+            }),
+            "C0000005 C00000FD");
+}
+
+// A thread that never started up has no stack for the handler of an overflow, which must not loop.
+TEST(FaultGuard, UnpreparedThreadSurvivesAllButAnOverflow) {
+  const auto onUnprepared = [](void (*cause)()) {
+    return InChild([=] {
+      SetUnhandledExceptionFilter(Throwing);
+      std::string code;
+      std::thread([&] {
+        stack_t none{};
+        none.ss_flags = SS_DISABLE;  // a sanitizer gives one to each thread
+        sigaltstack(&none, nullptr);
+        code = Member(cause);
+      }).join();
+      return code;
+    });
+  };
+  EXPECT_EQ(onUnprepared(faults::NullRead), "C0000005");
+  EXPECT_EQ(onUnprepared(faults::EndlessRecursion), "ended by SIGSEGV");
+}
+
+struct Thrower {
+  ~Thrower() { faults::NullRead(); }
+};
+
+TEST(FaultGuard, ExceptionsOfAbandonedFramesAreForgotten) {
+  EXPECT_EQ(InChild([] {
+              SetUnhandledExceptionFilter(Throwing);
+              std::string trace = Member([] {
+                const Thrower faultsWhileUnwinding;
+                throw 1;
+              });
+              trace += ' ' + Member([] {
+                         try {
+                           throw 2;
+                         } catch (int) {
+                           faults::NullRead();
+                         }
+                       });
+              trace += ' ' + std::to_string(std::uncaught_exceptions());
+              return trace + (std::current_exception() ? " stale" : " none");
+            }),
+            "C0000005 C0000005 0 none");
+}
+
+TEST(FaultGuard, FloatingPointControlIsKept) {
+  EXPECT_EQ(InChild([] {
+              SetUnhandledExceptionFilter(Throwing);
+              fesetround(FE_UPWARD);
+              Member(faults::NullRead);
+              return std::string(fegetround() == FE_UPWARD ? "upward" : "lost");
+            }),
+            "upward");
+}
+
+// --- Signals that are not a member's ---
+
+sigjmp_buf hostPoint;
+char seen[256];
+
+void NoteAndLeave(int, siginfo_t* info, void*) {
+  sigset_t mask;
+  pthread_sigmask(SIG_SETMASK, nullptr, &mask);
+  strcat(seen, info->si_code > 0 ? "fault" : "message");
+  if (sigismember(&mask, SIGSEGV) == 1) strcat(seen, " blocked");
+  if (sigismember(&mask, SIGUSR1) == 1) strcat(seen, " +USR1");
+  strcat(seen, ", ");
+  if (info->si_code > 0) siglongjmp(hostPoint, 1);
+}
+
+void FaultInHandler(int, siginfo_t* info, void* context) {
+  if (info->si_code <= 0) faults::NullRead();
+  NoteAndLeave(0, info, context);
+}
+
+void PutUpHandler(void (*handler)(int, siginfo_t*, void*), int flags) {
+  struct sigaction action {};
+  action.sa_sigaction = handler;
+  action.sa_flags = SA_SIGINFO | flags;
+  sigaddset(&action.sa_mask, SIGUSR1);
+  sigaction(SIGSEGV, &action, nullptr);
+}
+
+// Faults as host code does that expects to.
+void FaultOutside() {
+  if (sigsetjmp(hostPoint, 1) == 0) faults::NullRead();
+}
+
+TEST(FaultGuard, FaultOutsideAMemberEndsTheProcess) {
+  const auto after = [](void (*cause)()) {
+    return InChild([=] {
+      SetUnhandledExceptionFilter(Throwing);
+      Member(faults::NullRead);
+      cause();
+      return std::string("lived on");
+    });
+  };
+  EXPECT_EQ(after(faults::NullRead), Ended(SIGSEGV));
+  EXPECT_EQ(after(faults::EndlessRecursion), Ended(SIGSEGV));
+  EXPECT_EQ(after(faults::ReadBehindFileEnd), Ended(SIGBUS));
+  EXPECT_EQ(after(faults::IllegalInstruction), Ended(SIGILL));
+#if defined(__x86_64__)
+  EXPECT_EQ(after(faults::IntegerDivision), Ended(SIGFPE));
+  EXPECT_EQ(after(faults::Breakpoint), Ended(SIGTRAP));
+#endif
+  EXPECT_EQ(after([] { kill(getpid(), SIGSEGV); }), Ended(SIGSEGV));
+}
+
+TEST(FaultGuard, HostHandlerRunsAsItWouldHave) {
+  const auto withFlags = [](int flags) {
+    return InChild([=] {
+      PutUpHandler(NoteAndLeave, flags);
+      SetUnhandledExceptionFilter(Throwing);
+      FaultOutside();
+      strcat(seen, Member(faults::NullRead).c_str());
+      strcat(seen, ", ");
+      FaultOutside();
+      return std::string(seen);
+    });
+  };
+  EXPECT_EQ(withFlags(0), "fault blocked +USR1, C0000005, fault blocked +USR1, ");
+  // ThreadSanitizer runs each handler with all signals blocked.
+  if (!kThreadSanitizer) {
+    EXPECT_EQ(withFlags(SA_NODEFER), "fault +USR1, C0000005, fault +USR1, ");
+  }
+  EXPECT_EQ(withFlags(static_cast<int>(SA_RESETHAND)), "ended by SIGSEGV");
+}
+
+TEST(FaultGuard, MessagesGoToTheHost) {
+  const auto killedMember = [](void (*putUp)()) {
+    return InChild([=] {
+      putUp();
+      SetUnhandledExceptionFilter(Throwing);
+      const std::string result = Member([] { kill(getpid(), SIGSEGV); });
+      return seen + result;
+    });
+  };
+  EXPECT_EQ(killedMember([] {}), Ended(SIGSEGV));
+  EXPECT_EQ(killedMember([] { PutUpHandler(NoteAndLeave, 0); }), "message blocked +USR1, -");
+  EXPECT_EQ(killedMember([] { ::signal(SIGSEGV, [](int) { strcat(seen, "plain, "); }); }), "plain, -");
+  EXPECT_EQ(killedMember([] { ::signal(SIGSEGV, SIG_IGN); }), "-");
+}
+
+TEST(FaultGuard, IgnoringDoesNotSaveFromAFault) {
+  EXPECT_EQ(InChild([] {
+              ::signal(SIGSEGV, SIG_IGN);
+              SetUnhandledExceptionFilter(Throwing);
+              faults::NullRead();
+              return std::string("lived on");
+            }),
+            "ended by SIGSEGV");
+}
+
+// The handler jumps over a member. Its frame is gone with it, and must not be found by the next fault.
+TEST(FaultGuard, FaultInAHostHandlerStaysWithTheHost) {
+  if (kThreadSanitizer) GTEST_SKIP() << "runs each handler with all signals blocked";
+  EXPECT_EQ(InChild([] {
+              PutUpHandler(FaultInHandler, SA_NODEFER);
+              SetUnhandledExceptionFilter(Throwing);
+              if (sigsetjmp(hostPoint, 1) == 0) Member([] { kill(getpid(), SIGSEGV); });
+              FaultOutside();
+              return seen + Member(faults::NullRead);
+            }),
+            "fault +USR1, fault +USR1, C0000005");
+}
+
+TEST(FaultGuard, WithoutAWillingFilterTheHostGetsTheFault) {
+  const auto withFilter = [](ExceptionFilter filter) {
+    return InChild([=] {
+      PutUpHandler(NoteAndLeave, 0);
+      SetUnhandledExceptionFilter(Throwing);
+      const bool gaveEarlier = SetUnhandledExceptionFilter(filter) == Throwing;
+      if (sigsetjmp(hostPoint, 1) == 0) Member(faults::NullRead);
+      return std::string(gaveEarlier ? "" : "other filter, ") + seen;
+    });
+  };
+  EXPECT_EQ(withFilter(nullptr), "fault blocked +USR1, ");
+  EXPECT_EQ(withFilter([](ExceptionPointers&) -> Long { return 0; }), "ended by SIGSEGV");
+}
+
+// The alternate stacks of a thread: what the host gave it, what it had after the library's start-up, and at its
+// end.
+struct AlternateStacks {
+  std::unique_ptr<char[]> memory;
+  stack_t system{};
+  stack_t host{};
+  stack_t started{};
+  stack_t end{};
+  bool secondRound = false;
+};
+
+pthread_key_t threadEnd;
+
+void NoteAtThreadEnd(void* value) {
+  auto& stacks = *static_cast<AlternateStacks*>(value);
+  if (!std::exchange(stacks.secondRound, true)) {
+    pthread_setspecific(threadEnd, value);  // again when the library has had its turn
+    return;
+  }
+  sigaltstack(&stacks.system, &stacks.end);
+}
+
+AlternateStacks OnThreadWithStack(std::size_t size) {
+  AlternateStacks stacks;
+  std::thread([&] {
+    stacks.memory = std::make_unique<char[]>(size);
+    stacks.host.ss_sp = stacks.memory.get();
+    stacks.host.ss_size = size;
+    sigaltstack(&stacks.host, &stacks.system);
+    SetUnhandledExceptionFilter(Throwing);
+    sigaltstack(nullptr, &stacks.started);
+    pthread_setspecific(threadEnd, &stacks);
+  }).join();
+  return stacks;
+}
+
+TEST(FaultGuard, LargeAlternateStackIsKeptAndASmallOnePutBack) {
+  pthread_key_create(&threadEnd, NoteAtThreadEnd);
+  const AlternateStacks large = OnThreadWithStack(1 << 20);
+  EXPECT_EQ(large.started.ss_sp, large.host.ss_sp);
+  EXPECT_EQ(large.end.ss_sp, large.host.ss_sp);
+  const AlternateStacks small = OnThreadWithStack(16384);
+  EXPECT_NE(small.started.ss_sp, small.host.ss_sp);
+  EXPECT_GE(small.started.ss_size, std::size_t{64 * 1024});
+  EXPECT_EQ(small.end.ss_sp, small.host.ss_sp);
+  pthread_key_delete(threadEnd);
+}
+
+}  // namespace
+}  // namespace TORVA35

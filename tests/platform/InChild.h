@@ -1,0 +1,64 @@
+#pragma once
+
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstring>
+#include <string>
+
+#include "base/Error.h"
+#include "base/Text.h"
+
+#if !defined(__has_feature)
+#define __has_feature(feature) 0
+#endif
+
+namespace TORVA35 {
+
+#if defined(__SANITIZE_ADDRESS__) || __has_feature(address_sanitizer)
+constexpr bool kAddressSanitizer = true;
+#else
+constexpr bool kAddressSanitizer = false;
+#endif
+#if defined(__SANITIZE_THREAD__) || __has_feature(thread_sanitizer)
+constexpr bool kThreadSanitizer = true;
+#else
+constexpr bool kThreadSanitizer = false;
+#endif
+constexpr bool kSanitized = kAddressSanitizer || kThreadSanitizer;
+
+/// How a process ends that nobody saves from a signal. A sanitizer's handler, which is the one that was there
+/// before the library's, reports the fault and leaves.
+inline std::string Ended(int signal) {
+  if (kSanitized && signal != SIGTRAP && signal != SIGILL) return "ended by the sanitizer";
+  return std::string("ended by SIG") + sigabbrev_np(signal);
+}
+
+/// Runs `body` in a child process and gives the text that it returns, or else how the child ended.
+template <class Body>
+std::string InChild(Body body) {
+  int pipeEnds[2];
+  if (pipe(pipeEnds) != 0) return "no pipe";
+  const pid_t child = fork();
+  if (child == 0) {
+    alarm(60);  // a fault that comes back for ever
+    const std::string text = body();
+    if (write(pipeEnds[1], text.data(), text.size()) < 0) _exit(2);
+    _exit(0);
+  }
+  close(pipeEnds[1]);
+  std::string text;
+  char buffer[512];
+  for (ssize_t count; (count = read(pipeEnds[0], buffer, sizeof buffer)) > 0;) {
+    text.append(buffer, static_cast<std::size_t>(count));
+  }
+  close(pipeEnds[0]);
+  int status = 0;
+  waitpid(child, &status, 0);
+  if (WIFSIGNALED(status)) return std::string("ended by SIG") + sigabbrev_np(WTERMSIG(status));
+  if (WEXITSTATUS(status) != 0) return kSanitized ? "ended by the sanitizer" : "ended early";
+  return text;
+}
+
+}  // namespace TORVA35
