@@ -1,0 +1,182 @@
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "model/basPublic.h"
+#include "model/clsTORVATest.h"
+#include "platform/clsLmf.h"
+#include "tests/RecordingHost.h"
+
+namespace TORVA35 {
+namespace {
+
+class LmfImport : public HostTest {
+ protected:
+  Ref<clsLmfQuestion> Add(const std::vector<String>& labels, const String& key = {}, bool graded = true,
+                          bool subjective = false) {
+    auto question = New<clsLmfQuestion>();
+    for (const String& label : labels) question->Labels()->Add(label);
+    if (!key.empty()) question->CorrectLabels()->Add(key);
+    question->Graded(graded);
+    question->Subjective(subjective);
+    for (Long k = 1; k <= lmf->Objectives()->Count(); ++k) question->ObjectiveFlags()->Add(false);
+    lmf->Questions()->Add(question);
+    return question;
+  }
+  void AddObjective(const String& text) {
+    auto objective = New<clsLmfObjective>();
+    objective->Text(text);
+    lmf->Objectives()->Add(objective);
+  }
+  bool Build() {
+    test->Clear();
+    return basPublic::BuildTestFromLMF(test, lmf);
+  }
+  Ref<clsTORVATestQuestion> Question(Long position) { return test->Questions()->Item(position); }
+  String Key(Long position) { return test->CorrectAnswersAsString(position, u",", false, true); }
+  String IDs() {
+    String ids;
+    for (Long i = 1; i <= test->Questions()->Count(); ++i) ids += Question(i)->ID() + u" ";
+    return ids;
+  }
+
+  Ref<clsLmf> lmf = New<clsLmf>();
+  Ref<clsTORVATest> test = New<clsTORVATest>();
+};
+
+TEST_F(LmfImport, KindsByAnswers) {
+  const std::vector<std::pair<std::vector<String>, Long>> rows = {
+      {{}, -1},          {{u"Yes", u"no"}, 2}, {{u"t", u"False"}, 1}, {{u"No", u"Yes"}, 3},
+      {{u"T", u"N"}, 3}, {{u"", u"F"}, 3},     {{u"T"}, 3},           {{u"Y", u"N", u"?"}, 3}};
+  for (const auto& [labels, kind] : rows) Add(labels);
+  ASSERT_TRUE(Build());
+  for (std::size_t i = 0; i < rows.size(); ++i) {
+    EXPECT_EQ(Question(static_cast<Long>(i) + 1)->QuestionType(), rows[i].second) << i;
+  }
+}
+
+TEST_F(LmfImport, KeysByText) {
+  const std::vector<std::pair<String, String>> rows = {
+      {u"(A,C)", u"1,3"}, {u"A,C", u"1,3"}, {u"(A, C)", u"1"}, {u"C,A,C", u"3,1"}, {u"()", u""},  {u"(", u""},
+      {u"a", u""},        {u"D", u"4"},     {u"(A", u""},      {u"", u""},         {u"X,C", u"3"}};
+  for (const auto& [key, numbers] : rows) Add({u"A", u"B", u"C", u"D", u"D"}, key)->CorrectLabels()->Add(u"B");
+  Add({String(60, u'x'), u"B"}, String(60, u'x'));
+  ASSERT_TRUE(Build());
+  for (std::size_t i = 0; i < rows.size(); ++i) {
+    if (rows[i].first.empty()) continue;
+    EXPECT_EQ(Key(static_cast<Long>(i) + 1), rows[i].second) << ToUtf8(rows[i].first);
+  }
+  EXPECT_EQ(Key(12), u"");  // the answer was cut, the key was not
+}
+
+TEST_F(LmfImport, FieldsOfTestAndQuestion) {
+  lmf->Description(u"description");
+  lmf->Notes(u"notes");
+  lmf->Prepare();
+  AddObjective(u" Alpha ");
+  AddObjective(u"alpha");
+  AddObjective(u"Beta");
+  auto from = Add({u"A", u"B", u"C"}, u"B");
+  for (Long k : {1, 2, 3}) from->ObjectiveFlags()->Item(k)->Value(true);
+  from->CorrectAnd(false);
+  from->CorrectPoints(2.5);
+  from->IncorrectPoints(-0.5);
+  from->NoResponsePoints(0.25);
+  from->SubjectivePoints(9);
+  from->Text(u"text");
+  from->Topic(u"topic");
+  ASSERT_TRUE(Build());
+  EXPECT_TRUE(test->UserDefined());
+  EXPECT_EQ(test->Source(), TORVATestSourceTypeLMF);
+  EXPECT_EQ(test->Description() + test->Notes(), u"descriptionnotes");
+  EXPECT_EQ(Question(1)->LearningObjectives()->AsString(u"|"), u"Alpha");  // neither the built-in one nor twice
+  EXPECT_FALSE(Question(1)->CorrectAnd());
+  EXPECT_EQ(Question(1)->CorrectPoints(), 2.5f);
+  EXPECT_EQ(Question(1)->IncorrectPoints(), -0.5f);
+  EXPECT_EQ(Question(1)->NoResponsePoints(), 0.25f);
+  EXPECT_EQ(Question(1)->SubjectivePoints(), 0);
+  EXPECT_EQ(Question(1)->QuestionText() + Question(1)->Topic(), u"texttopic");
+  EXPECT_EQ(test->Sequences()->Item(1)->Answer(), u"A");
+}
+
+TEST_F(LmfImport, PositionsScalesAndMisplacedSubjectiveQuestions) {
+  Add({u"a", u"b"});
+  Add({}, {}, true, true)->SubjectivePoints(4);  // misplaced
+  Add({u"n"}, {}, false);                        // a plain field
+  Add({u"Y", u"N"});
+  Add({u"c", u"d", u"e"});
+  Add({u"f", u"g"});
+  Add({u"x"}, u"x", false, true)->SubjectivePoints(2.5);
+  ASSERT_TRUE(Build());
+  EXPECT_EQ(IDs(), u"1 4 5 6 7 ");
+  EXPECT_EQ(Question(5)->QuestionType(), TORVATestQuestionTypeSubjective);
+  EXPECT_EQ(Question(5)->SubjectivePoints(), 2.5f);
+  EXPECT_EQ(Question(5)->CorrectAnswers()->Count(), 0);
+  EXPECT_EQ(test->MultipleChoiceOddScale()->AsString(u""), u"ab");
+  EXPECT_EQ(test->MultipleChoiceEvenScale()->AsString(u""), u"fg");
+}
+
+TEST_F(LmfImport, VersionsOfTheFile) {
+  for (const char16_t* label : {u"a", u"b", u"c", u"d"}) Add({label}, {}, label[0] != u'b');
+  for (const char16_t* name : {u"A", u"B", u"a"}) lmf->Versions()->VersionNames()->Add(name);
+  for (const std::vector<Long>& order : {std::vector<Long>{1, 2, 3, 4}, {4, 2, 1, 3}, {1, 2, 3, 4}}) {
+    auto sequence = New<clsLmfSequence>();
+    sequence->SetOrder(Array<Long>(1, order));
+    lmf->Versions()->Sequences()->Add(sequence);
+  }
+  ASSERT_TRUE(Build());
+  EXPECT_EQ(TakeFailures(), (Failures{{457, u"TORVA35 - clsTORVATestSequences.Add"}}));
+  ASSERT_EQ(test->Sequences()->Count(), 2);
+  EXPECT_EQ(test->Sequences()->Item(u"B")->Order()->Item(u"1"), 2);
+  EXPECT_EQ(test->Sequences()->Item(u"B")->Order()->Item(u"3"), 3);
+  EXPECT_FALSE(test->Sequences()->Item(u"B")->Order()->Exists(u"2"));
+
+  lmf->Versions()->Sequences()->Add(New<clsLmfSequence>());  // without a name
+  EXPECT_FALSE(Build());
+  EXPECT_EQ(TakeFailures().back(), (Failure{9, u"TORVA35 - basPublic.BuildTestFromLMF"}));
+}
+
+TEST_F(LmfImport, Failures) {
+  EXPECT_FALSE(basPublic::BuildTestFromLMF(nullptr, lmf));
+  EXPECT_FALSE(basPublic::BuildTestFromLMF(test, nullptr));
+  Add({u"A"});
+  Add({u"A"})->CorrectPoints(1e39);
+  EXPECT_FALSE(Build());
+  EXPECT_EQ(TakeFailures(), (std::vector<Failure>{{6, u"TORVA35 - basPublic.BuildTestFromLMF"}}));
+  EXPECT_EQ(test->Questions()->Count(), 1);
+  lmf->Questions()->Item(2)->CorrectPoints(1);
+  lmf->Prepare();
+  AddObjective(u"no question has a flag for this one");
+  EXPECT_FALSE(Build());
+  EXPECT_EQ(TakeFailures(), (std::vector<Failure>{{9, u"TORVA35 - basPublic.BuildTestFromLMF"}}));
+}
+
+TEST_F(LmfImport, FileAndTitle) {
+  const auto folder = std::filesystem::path(testing::TempDir()) / "lmf.import";
+  std::filesystem::create_directories(folder);
+  Add({u"A", u"B", u"C"}, u"B");
+  const std::vector<std::pair<std::string, String>> rows = {{"plain.lmf", u""},
+                                                            {"dir\\one.two.lmf", u"one.two"},
+                                                            {"d.ir\\noextension", u"noextension"},
+                                                            {"a\\b\\.x", u""}};
+  for (const auto& [name, title] : rows) {
+    const String path = FromUtf8((folder / name).string());
+    ASSERT_TRUE(lmf->Save(path)) << name;
+    test->Title(u"before");
+    EXPECT_TRUE(test->LoadLMF(path)) << name;
+    EXPECT_EQ(test->Title(), title) << name;
+    EXPECT_EQ(test->MultipleChoiceEvenScale()->Count(), 3);  // "A" to "D", trimmed
+  }
+  test->Title(u"kept");
+  EXPECT_FALSE(test->LoadLMF(u"/no/such/file"));
+  EXPECT_EQ(test->Title() + IDs(), u"kept1 ");
+  lmf->Questions()->RemoveAll();
+  ASSERT_TRUE(lmf->Save(FromUtf8((folder / "empty.lmf").string())));
+  EXPECT_FALSE(test->LoadLMF(FromUtf8((folder / "empty.lmf").string())));
+  EXPECT_EQ(test->Sequences()->Count(), 1);
+  EXPECT_TRUE(test->UserDefined());
+  std::filesystem::remove_all(folder);
+}
+
+}  // namespace
+}  // namespace TORVA35

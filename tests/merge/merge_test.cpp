@@ -1,0 +1,298 @@
+#include "tests/merge/MergeFixture.h"
+
+namespace TORVA35 {
+namespace {
+
+class MergeForm : public MergeTest {};
+
+const std::vector<String> kFive = {u"1", u"2", u"3", u"4", u"5"};
+
+TEST_F(MergeForm, ChecksChangeNothing) {
+  const auto form = Form({{Field(2, true, kFive)}});
+  const auto out = Form({{Field(1, true, kFive)}});
+  const auto test = Test({Choice(u"1"), Choice(u"2"), Choice(u"3")});
+  engine->MIVLMF()->Notes(u"kept");
+  engine->TemplateOut(out);
+
+  EXPECT_FALSE(engine->Merge());
+  engine->Tests()->Add(New<clsTORVATest>());
+  EXPECT_FALSE(engine->Merge());
+  engine->TemplateIn(New<clsTemplate>());
+  EXPECT_FALSE(engine->Merge());
+  engine->TemplateIn(form);
+  EXPECT_FALSE(engine->Merge());
+  engine->Tests()->Item(1)->Questions(test->Questions());
+  EXPECT_FALSE(engine->Merge());
+  const String both = u"An error occurred merging the specified template and test. ";
+  EXPECT_EQ(
+      TakeDialogs(),
+      (Dialogs{
+          Told(u"Invalid test", both + u"The test is invalid. Operation aborted."),
+          Told(u"Invalid Template", both + u"The template is invalid. Operation aborted."),
+          Told(u"Invalid Template", both + u"The template does not contain any questions. Operation aborted."),
+          Told(u"Invalid test", both + u"The test does not contain any questions. Operation aborted."),
+          Told(u"Invalid Merge",
+               u"An error occurred merging the test with the specified template. The test contains more "
+               u"graded questions than the specified template. Operation aborted.")}));
+  EXPECT_EQ(engine->TemplateOut(), out);
+  EXPECT_EQ(out->QuestionCount(), 1);
+  EXPECT_EQ(engine->MIVLMF()->Notes(), u"kept");
+  engine->Verbose(false);
+  EXPECT_FALSE(engine->Merge());
+}
+
+TEST_F(MergeForm, AnEmptyTemplateOutIsAFailure) {
+  engine->Tests()->Add(Test({Choice(u"1")}));
+  engine->TemplateIn(Form({{Field(1, true, kFive)}}));
+  EXPECT_FALSE(engine->Merge());
+  EXPECT_EQ(TakeFailures(), (Failures{{91, u"TORVA35 - clsTORVA.Merge"}}));
+}
+
+TEST_F(MergeForm, FirstDialogWithoutAnErrorObject) {
+  engine->SetError(nullptr);
+  std::vector<String> boxes;
+  SetMessageBoxHook([&](const String& text, const String& title, Long) { boxes.push_back(title + u"/" + text); });
+  EXPECT_FALSE(engine->Merge());
+  SetMessageBoxHook({});
+  ASSERT_EQ(boxes.size(), 1u);
+  EXPECT_TRUE(boxes[0].starts_with(
+      u"Application Error/Error# 91: Object reference not set, Location: TORVA35 - clsTORVA.Merge; Line: "));
+}
+
+TEST_F(MergeForm, TakesTestQuestionsByPosition) {
+  auto second = Choice(u"2", 3, 3);
+  second->CorrectAnswers()->Add(1);
+  second->CorrectPoints(9);
+  second->Difficulty(u"d");
+  second->Keywords(u"k");
+  second->Miscellaneous(u"m");
+  second->Notes(u"n");
+  second->Reference(u"r");
+  second->Topic(u"t");
+  const auto form = Form({{Field(1, false, {u"x", u"y"}), Field(1, true, kFive)}, {Field(1, true, kFive)}});
+  const auto formQuestion = form->Pages()->Item(2)->Fields()->Item(1)->Questions()->Item(1);
+  formQuestion->CorrectPoints(2.5);
+  formQuestion->IncorrectPoints(-1);
+  formQuestion->NoResponsePoints(0.5);
+  formQuestion->CarriedFlag1(11);
+  formQuestion->CarriedFlag2(12);
+  form->Pages()->Item(2)->Fields()->Item(1)->FieldMode(1);
+  form->Pages()->Item(1)->Fields()->Item(1)->Questions()->Item(1)->Multiples(4);
+  form->Pages()->Item(1)->Fields()->Item(1)->Questions()->Item(1)->Text(u"Name");
+  const auto old = New<clsTemplate>();
+  engine->Tests()->Add(Test({Choice(u"1"), second}));
+  engine->TemplateIn(form);
+  engine->TemplateOut(old);
+  ASSERT_TRUE(engine->Merge());
+
+  EXPECT_NE(engine->TemplateOut(), old);
+  EXPECT_EQ(formQuestion->Labels()->Item(1), u"1");  // the input is never changed
+  const auto lmf = engine->MIVLMF();
+  EXPECT_EQ(lmf->Mode(), 1);
+  EXPECT_EQ(lmf->PageCount(), 2);
+  ASSERT_EQ(lmf->Questions()->Count(), 3);
+
+  EXPECT_EQ(Output(1)->Text(), u"Name");
+  EXPECT_FALSE(Output(1)->Graded());
+  EXPECT_EQ(Output(1)->Multiples(), 4);
+  EXPECT_EQ(Output(1)->QuestionMode(), 2);
+  EXPECT_EQ(Joined(Output(1)->Labels()) + u" " + Joined(Output(1)->Values()), u"x|y v1|v2");
+  EXPECT_EQ(Output(1)->CorrectLabels()->Count(), 0);
+
+  const auto output = Output(3);
+  EXPECT_EQ(output->Name(), u"Q3");
+  EXPECT_TRUE(output->Graded());
+  EXPECT_EQ(output->QuestionMode(), 1);
+  EXPECT_EQ(output->CorrectPoints(), 2.5);
+  EXPECT_EQ(output->IncorrectPoints(), -1);
+  EXPECT_EQ(output->NoResponsePoints(), 0.5);
+  EXPECT_EQ(output->CarriedFlag1(), 11);
+  EXPECT_EQ(output->CarriedFlag2(), 12);
+  EXPECT_EQ(Joined(output->CorrectValues()), u"(3,1)");
+  EXPECT_EQ(Joined(output->CorrectLabels()), u"(C,A)");
+  EXPECT_EQ(output->CorrectCount(), 2);
+  EXPECT_FALSE(output->CorrectAnd());
+  EXPECT_EQ(output->Multiples(), 1);
+  EXPECT_EQ(Joined(output->Labels()) + u" " + Joined(output->Values()), u"A|B|C 1|2|3");
+  EXPECT_EQ(output->Difficulty() + output->Keywords() + output->Miscellaneous() + output->Notes() +
+                output->Reference() + output->Topic(),
+            u"dkmnrt");
+  EXPECT_EQ(output->Text(), u"Text of 2");
+
+  const auto merged = OutQuestion(2, 1, 1);
+  EXPECT_EQ(Joined(merged->Labels()), u"A|B|C||");
+  EXPECT_EQ(Joined(merged->Values()), u"1|2|3|v4|v5");
+  EXPECT_EQ(merged->Text(), u"Text of 2");
+  EXPECT_EQ(merged->Multiples(), 1);
+}
+
+TEST_F(MergeForm, AFieldThatIsNoChoiceFieldKeepsItsLabels) {
+  const auto form = Form({{Field(1, true, kFive)}});
+  form->Pages()->Item(1)->Fields()->Item(1)->FieldType(2);
+  form->Pages()->Item(1)->Fields()->Item(1)->Questions()->Item(1)->Multiples(7);
+  ASSERT_TRUE(Merge(Test({Choice(u"1", 2)}), form));
+  EXPECT_EQ(Joined(OutQuestion(1, 1, 1)->Labels()), u"1|2|3|4|5");
+  EXPECT_EQ(Output(1)->Labels()->Count(), 0);
+  EXPECT_EQ(Output(1)->Multiples(), 7);
+  EXPECT_EQ(Joined(Output(1)->CorrectLabels()) + Output(1)->Text(), u"BText of 1");
+}
+
+TEST_F(MergeForm, ScaleByPositionOnceThereAreVersions) {
+  const auto test =
+      Test({Choice(u"1", 1, 2), Choice(u"2", 1, 2), Question(u"3", TORVATestQuestionTypeTrueFalse, 2)});
+  test->MultipleChoiceEvenScale()->Item(1, u"F");
+  ASSERT_TRUE(Merge(test, Form({{Field(3, true, kFive)}})));
+  EXPECT_EQ(Joined(Output(2)->Labels()), u"F|B");  // fitted to the answers
+  for (const char16_t* answer : {u"A", u"B"}) {
+    auto version = New<clsTORVATestSequence>();
+    version->Answer(answer);
+    test->Sequences()->Add(version);
+  }
+  ASSERT_TRUE(Merge(test, Form({{Field(3, true, kFive)}})));
+  EXPECT_EQ(Joined(Output(1)->Labels()), u"A|B|C|D");  // the whole scale
+  EXPECT_EQ(Joined(Output(2)->Labels()), u"F|B|C|D");
+  EXPECT_EQ(Joined(Output(3)->Labels()), u"T|F");
+  // A scale longer than the form's labels reaches a position that these do not have.
+  EXPECT_FALSE(Merge(test, Form({{Field(3, true, {u"1", u"2"})}})));
+  EXPECT_EQ(TakeFailures(), (Failures{{9, u"TORVA35 - clsTORVA.Merge"}}));
+  EXPECT_EQ(engine->MIVLMF()->Questions()->Count(), 0);
+  EXPECT_EQ(Joined(OutQuestion(1, 1, 1)->Labels()), u"A|B");
+}
+
+TEST_F(MergeForm, ObjectivesAreEnteredOnceAndFlagged) {
+  auto first = Choice(u"1");
+  first->LearningObjectives()->Add(u"Alpha");
+  first->LearningObjectives()->Add(u"ALPHA");
+  auto second = Choice(u"2");
+  second->LearningObjectives()->Add(u"beta");
+  second->LearningObjectives()->Add(u"alpha");
+  auto third = Subjective(u"3");
+  third->LearningObjectives()->Add(u"Gamma");
+  third->LearningObjectives()->Add(u"(All Questions)");
+  ASSERT_TRUE(Merge(Test({first, second, third}), Form({{Field(1, false, {}), Field(2, true, kFive)}})));
+  const auto objectives = engine->MIVLMF()->Objectives();
+  ASSERT_EQ(objectives->Count(), 5);
+  EXPECT_EQ(objectives->Item(2)->Text(), u"Alpha");
+  EXPECT_EQ(objectives->Item(4)->Text(), u"Gamma");
+  EXPECT_EQ(Flags(Output(1)), u"00000");
+  EXPECT_EQ(Flags(Output(2)), u"01000");
+  EXPECT_EQ(Flags(Output(3)), u"01100");
+  EXPECT_EQ(Flags(Output(4)), u"10010");  // the first entry with the text, which is the built-in one
+}
+
+TEST_F(MergeForm, SurplusGradedQuestionsAreSwitchedOffFromTheEnd) {
+  const auto form =
+      Form({{Field(3, true, kFive, 7), Field(1, true, kFive)}, {Field(2, true, kFive), Field(1, false, {})}});
+  engine->SequenceQuestion(7);
+  ASSERT_TRUE(Merge(Test({Choice(u"1"), Choice(u"2"), Choice(u"3"), Choice(u"4")}), form));
+  EXPECT_FALSE(OutQuestion(2, 1, 1)->Graded());
+  EXPECT_FALSE(OutQuestion(2, 1, 2)->Graded());
+  EXPECT_TRUE(OutQuestion(1, 2, 1)->Graded());
+  EXPECT_EQ(engine->SequenceQuestion(), 5);
+  EXPECT_EQ(form->GradedCount(), 6);
+  EXPECT_EQ(engine->MIVLMF()->Questions()->Count(), 7);
+
+  // The questions' own numbers decide, as they are met: 9 first, then 4.
+  const auto numbered = Form({{Field(3, true, kFive)}});
+  numbered->Pages()->Item(1)->Fields()->Item(1)->Questions()->Item(3)->Number(9);
+  numbered->Pages()->Item(1)->Fields()->Item(1)->Questions()->Item(2)->Number(4);
+  engine->SequenceQuestion(5);
+  ASSERT_TRUE(Merge(Test({Choice(u"1")}), numbered));
+  EXPECT_EQ(engine->SequenceQuestion(), 4);
+}
+
+TEST_F(MergeForm, OfAGroupOnlyTheFirstFieldIsMerged) {
+  const auto form =
+      Form({{Field(1, true, kFive, 7), Field(1, false, kFive, 7), Field(1, true, kFive), Field(1, false, {}, 7)},
+            {Field(1, false, {}, 7), Field(1, true, kFive, 8)}});
+  ASSERT_TRUE(Merge(Test({Choice(u"1"), Choice(u"2"), Choice(u"3")}), form));
+  EXPECT_EQ(engine->MIVLMF()->Questions()->Count(), 4);
+  EXPECT_EQ(Output(2)->Name(), u"Q2");  // names go by output position
+  EXPECT_EQ(Joined(OutQuestion(2, 2, 1)->Labels()), u"A|B|C||");
+
+  // A graded question that the walk passes by still counts: the last test question finds no place.
+  const auto hidden = Form({{Field(1, true, kFive, 7), Field(1, true, kFive, 7)}});
+  ASSERT_TRUE(Merge(Test({Choice(u"1"), Choice(u"2")}), hidden));
+  EXPECT_EQ(engine->MIVLMF()->Questions()->Count(), 1);
+}
+
+TEST_F(MergeForm, TooManyAnswersEndTheMerge) {
+  const auto form = Form({{Field(2, true, {u"1", u"2", u"3"})}});
+  form->Pages()->Item(1)->Fields()->Item(1)->Name(u"Block");
+  EXPECT_FALSE(Merge(Test({Choice(u"1"), Choice(u"2", 1, 4)}), form));
+  EXPECT_EQ(
+      TakeDialogs(),
+      Dialogs{Told(u"Invalid Merge",
+                   u"An error occurred merging the test with the specified template. One or more questions from "
+                   u"the test contains more possible answers than are present in the specified template. "
+                   u"Operation aborted.\r\n\r\n\tTemplate Field: Block\r\n\tTest Question ID: 2")});
+  EXPECT_EQ(engine->MIVLMF()->Questions()->Count(), 1);
+}
+
+TEST_F(MergeForm, AnIDThatWasChangedToAnother) {
+  const auto test = Test({Choice(u"1"), Choice(u"2", 2)});
+  test->Questions()->Item(2)->ID(u"1");
+  EXPECT_FALSE(Merge(test, Form({{Field(2, true, kFive)}})));
+  EXPECT_EQ(TakeFailures(), (Failures{{457, u"TORVA35 - clsTORVA.Merge"}}));
+  EXPECT_EQ(engine->MIVLMF()->Questions()->Count(), 1);
+}
+
+TEST_F(MergeForm, SubjectiveQuestionsBecomeFieldsOfTheLastPage) {
+  auto essay = Subjective(u"3");
+  essay->SubjectivePoints(2.5f);
+  essay->Topic(u"t");
+  const auto form = Form({{Field(1, true, kFive)}, {Field(1, true, kFive)}});
+  ASSERT_TRUE(Merge(Test({Choice(u"1"), Choice(u"2"), essay, Subjective(u"3b")}), form));
+  const auto fields = engine->TemplateOut()->Pages()->Item(2)->Fields();
+  ASSERT_EQ(fields->Count(), 3);
+  const auto field = fields->Item(2);
+  EXPECT_EQ(field->Name(), u"Subjective1");
+  EXPECT_EQ(field->FieldClass(), 2);
+  EXPECT_EQ(field->FieldType(), 3);
+  EXPECT_EQ(field->FieldMode(), 1);
+  EXPECT_TRUE(field->Subjective());
+  EXPECT_TRUE(field->Questions()->Item(1)->Subjective());
+  EXPECT_EQ(field->Questions()->Item(1)->CorrectPoints(), 2.5);
+  EXPECT_EQ(form->Pages()->Item(2)->Fields()->Count(), 1);
+  ASSERT_EQ(engine->MIVLMF()->Questions()->Count(), 4);
+  EXPECT_EQ(Output(4)->Name(), u"Subjective2");
+  EXPECT_TRUE(Output(3)->Subjective());
+  EXPECT_FALSE(Output(3)->Graded());
+  EXPECT_EQ(Output(3)->Text() + Output(3)->Topic(), u"Text of 3t");
+
+  // Only subjective ones: every graded question is switched off.
+  ASSERT_TRUE(Merge(Test({Subjective(u"1")}), form));
+  EXPECT_EQ(engine->MIVLMF()->Questions()->Count(), 3);
+  EXPECT_FALSE(Output(1)->Graded());
+}
+
+// A host's own question, which fails where a merge reads its points.
+class FailingQuestion : public clsTemplateQuestion {
+ public:
+  Double CorrectPoints() const override { throw Error(1234, u"host"); }
+};
+
+// A form whose copy is made ready by the host.
+class PreparedForm : public clsTemplate {
+ public:
+  explicit PreparedForm(Ref<clsTemplate> copy) : copy_(std::move(copy)) {}
+  Ref<clsTemplate> Copy(bool, bool) const override { return copy_; }
+
+ private:
+  Ref<clsTemplate> copy_;
+};
+
+TEST_F(MergeForm, AHostObjectThatRaisesInTheMiddle) {
+  const auto copy = Form({{Field(1, true, kFive)}});
+  auto failing = New<FailingQuestion>();
+  failing->Graded(true);
+  copy->Pages()->Item(1)->Fields()->Item(1)->Questions()->Add(failing);
+  const auto form = New<PreparedForm>(copy);
+  form->Pages()->Add(Form({{Field(2, true, kFive)}})->Pages()->Item(1));
+  EXPECT_FALSE(Merge(Test({Choice(u"1"), Choice(u"2")}), form));
+  EXPECT_EQ(TakeFailures(), (Failures{{1234, u"TORVA35 - clsTORVA.Merge"}}));
+  EXPECT_EQ(engine->MIVLMF()->Questions()->Count(), 1);
+}
+
+}  // namespace
+}  // namespace TORVA35
