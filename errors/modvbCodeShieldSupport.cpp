@@ -8,8 +8,8 @@
 namespace TORVA35::modvbCodeShieldSupport {
 namespace {
 
-constexpr Location kInstallExceptionFilter = u"TORVA35 - modvbCodeShieldSupport.InstallExceptionFilter";
-constexpr Location kExceptionName = u"TORVA35 - modvbCodeShieldSupport.ExceptionName";
+constexpr Location kInstallExceptionFilter(u"TORVA35 - modvbCodeShieldSupport.InstallExceptionFilter");
+constexpr Location kExceptionName(u"TORVA35 - modvbCodeShieldSupport.ExceptionName");
 
 struct NamedCode {
   std::uint32_t code;
