@@ -18,6 +18,11 @@ inline constexpr EmptyValue Empty{};      ///< no value was ever given
 inline constexpr NullValue Null{};        ///< no valid value
 inline constexpr MissingValue Missing{};  ///< the caller left the optional argument out
 
+/// The whole numbers that C++ has beside Integer and Long.
+template <class T>
+concept OtherWhole = std::same_as<T, unsigned short> || std::same_as<T, unsigned> || std::same_as<T, long> ||
+    std::same_as<T, unsigned long> || std::same_as<T, long long> || std::same_as<T, unsigned long long>;
+
 /// A value that carries its own type. Every type that it can hold converts to it, so that a host writes `Item(5)`
 /// for the position 5 and `Item(u"5")` for the key "5". A fresh one is Empty.
 class TaggedValue {
@@ -31,6 +36,15 @@ class TaggedValue {
   TaggedValue(Boolean value) : value_(value) {}
   TaggedValue(Integer value) : value_(value) {}
   TaggedValue(Long value) : value_(value) {}
+  /// A Long, or a Double when it does not fit.
+  template <OtherWhole Whole>
+  TaggedValue(Whole value) {
+    if (std::in_range<Long>(value)) {
+      value_ = static_cast<Long>(value);
+    } else {
+      value_ = static_cast<Double>(value);
+    }
+  }
   TaggedValue(Single value) : value_(value) {}
   TaggedValue(Double value) : value_(value) {}
   TaggedValue(String value) : value_(std::move(value)) {}
@@ -56,7 +70,8 @@ class TaggedValue {
   }
 
  private:
-  std::variant<EmptyValue, NullValue, MissingValue, bool, Integer, Long, Single, Double, String, Ref<Object>> value_;
+  std::variant<EmptyValue, NullValue, MissingValue, bool, Integer, Long, Single, Double, String, Ref<Object>>
+      value_;
 };
 
 }  // namespace TORVA35

@@ -196,10 +196,11 @@ bool clsTORVATest::AddXMLQuestion(const IXMLDOMNode& oNode, bool& bPartialCredit
 }
 
 TORVATestQuestionType clsTORVATest::QuestionType(const TaggedValue& vType) const {
-  return Reported(kQuestionType, TORVATestQuestionTypeUnknown, [&](TORVATestQuestionType& result) {
+  return Reported(kQuestionType, TORVATestQuestionType{}, [&](TORVATestQuestionType& result) {
     const auto* text = vType.As<String>();
     const String word = text == nullptr ? String() : Lower(*text);
     const Double number = text == nullptr ? NumberOf(vType) : 0;
+    result = TORVATestQuestionTypeUnknown;
     for (const TypeRow& row : kTypes) {
       if (text != nullptr ? row.word == word : row.number == number) {
         result = row.type;

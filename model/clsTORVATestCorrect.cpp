@@ -55,9 +55,7 @@ bool clsTORVATestCorrect::RemoveAll() {
 }
 
 Integer clsTORVATestCorrect::Item(Integer Index) const {
-  return Reported(kItem, Integer{-1}, [&](Integer& result) {
-    if (Exists(Index)) result = At(Index);
-  });
+  return Reported(kItem, Integer{0}, [&](Integer& result) { result = Exists(Index) ? At(Index) : Integer{-1}; });
 }
 
 bool clsTORVATestCorrect::Exists(const TaggedValue& Index) const {
