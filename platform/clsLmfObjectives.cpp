@@ -32,7 +32,7 @@ void clsLmfObjectives::AddBuiltIn() {
   auto objective = New<clsLmfObjective>();
   objective->Text(u"(All Questions)");
   items_.insert(items_.begin(), std::move(objective));
-  keys_.insert(keys_.begin(), std::nullopt);
+  keys_.emplace(keys_.begin());
   hasBuiltIn_ = true;
 }
 
