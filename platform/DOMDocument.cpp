@@ -60,11 +60,14 @@ bool DOMDocument::load(const TaggedValue& vFileName) {
   return tree_ != nullptr;
 }
 
-IXMLDOMNode DOMDocument::selectSingleNode(StringView name) const {
-  if (tree_ == nullptr) return {};
+IXMLDOMNode DOMDocument::Root() const {
   // A well-formed document has one root element and no text beside it.
-  const IXMLDOMNode root(tree_.get(), 1);
-  return tree_->nodes[1].name == tree_->FindName(ToUtf8(name)) ? root : IXMLDOMNode();
+  return tree_ == nullptr ? IXMLDOMNode() : IXMLDOMNode(tree_.get(), 1);
+}
+
+IXMLDOMNode DOMDocument::selectSingleNode(StringView name) const {
+  const IXMLDOMNode root = Root();
+  return root && tree_->nodes[1].name == tree_->FindName(ToUtf8(name)) ? root : IXMLDOMNode();
 }
 
 IXMLDOMNodeList DOMDocument::getElementsByTagName(StringView name) const {

@@ -51,6 +51,8 @@ class TORVA35_API DOMDocument {
   /// memory is raised (7).
   bool load(const TaggedValue& vFileName);
 
+  /// The root element, or an empty handle as long as no document is loaded.
+  IXMLDOMNode Root() const;
   /// The document's root element if it has exactly this name, else an empty handle.
   IXMLDOMNode selectSingleNode(StringView name) const;
   /// Every element of exactly this name, at any depth, in document order.
