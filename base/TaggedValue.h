@@ -56,7 +56,8 @@ class TaggedValue {
   }
 
  private:
-  std::variant<EmptyValue, NullValue, MissingValue, bool, Integer, Long, Single, Double, String, Ref<Object>> value_;
+  std::variant<EmptyValue, NullValue, MissingValue, bool, Integer, Long, Single, Double, String, Ref<Object>>
+      value_;
 };
 
 }  // namespace TORVA35
