@@ -196,7 +196,7 @@ bool clsTORVATest::AddXMLQuestion(const IXMLDOMNode& oNode, bool& bPartialCredit
 }
 
 TORVATestQuestionType clsTORVATest::QuestionType(const TaggedValue& vType) const {
-  return Reported(kQuestionType, TORVATestQuestionTypeUnknown, [&](TORVATestQuestionType& result) {
+  return Reported(kQuestionType, TORVATestQuestionType{}, [&](TORVATestQuestionType& result) {
     const auto* text = vType.As<String>();
     const String word = text == nullptr ? String() : Lower(*text);
     const Double number = text == nullptr ? NumberOf(vType) : 0;
@@ -206,6 +206,7 @@ TORVATestQuestionType clsTORVATest::QuestionType(const TaggedValue& vType) const
         return;
       }
     }
+    result = TORVATestQuestionTypeUnknown;
   });
 }
 
