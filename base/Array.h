@@ -4,6 +4,7 @@
 #include <utility>
 #include <vector>
 
+#include "base/Arithmetic.h"
 #include "base/CallSite.h"
 #include "base/Error.h"
 #include "base/Types.h"
@@ -11,7 +12,7 @@
 namespace TORVA35 {
 
 /// An array with an explicit lower bound. One without elements has no bounds, and asking for them raises (9), as
-/// does a position outside them.
+/// does a position outside them. An upper bound beyond a Long raises (6).
 template <class T>
 class Array {
  public:
@@ -28,7 +29,7 @@ class Array {
     if (items_.empty()) Raise(kSubscriptOutOfRange, at);
     return lower_;
   }
-  Long UBound(CallSite at = CallSite::Current()) const { return LBound(at) + (Size() - 1); }
+  Long UBound(CallSite at = CallSite::Current()) const { return CheckedAdd(LBound(at), Size() - 1, at); }
 
   const T& At(Long position, CallSite at = CallSite::Current()) const { return items_[Offset(position, at)]; }
   T& At(Long position, CallSite at = CallSite::Current()) { return items_[Offset(position, at)]; }

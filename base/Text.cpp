@@ -40,8 +40,12 @@ constexpr char16_t kAnsiMiddle[32] = {0x20AC, 0,      0x201A, 0x0192, 0x201E, 0x
                                       0,      0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014,
                                       0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0,      0x017E, 0x0178};
 
-bool IsDigit(char16_t unit) { return unit >= u'0' && unit <= u'9'; }
-bool IsSkipped(char16_t unit) { return unit == u' ' || unit == u'\t' || unit == u'\n'; }
+bool IsDigit(char16_t unit) {
+  return unit >= u'0' && unit <= u'9';
+}
+bool IsSkipped(char16_t unit) {
+  return unit == u' ' || unit == u'\t' || unit == u'\n';
+}
 
 // The number at the start of a text, copied out in the form that std::from_chars reads.
 struct ScannedNumber {
@@ -103,7 +107,7 @@ bool IsBelowOne(std::string_view number) {
   const std::size_t point = std::min(mantissa.find('.'), mantissa.size());
   const std::size_t leading = mantissa.find_first_of("123456789");
   if (leading == mantissa.npos) return true;
-  return static_cast<std::int64_t>(point) - static_cast<std::int64_t>(leading) + exponent <= 0;
+  return exponent <= static_cast<std::int64_t>(leading) - static_cast<std::int64_t>(point);
 }
 
 template <class Floating>
@@ -200,9 +204,15 @@ char16_t FoldUnit(char16_t unit) {
   return LowerUnit(UpperUnit(unit));
 }
 
-String Lower(StringView text) { return MappedText<LowerUnit>(text); }
-String Upper(StringView text) { return MappedText<UpperUnit>(text); }
-String Fold(StringView text) { return MappedText<FoldUnit>(text); }
+String Lower(StringView text) {
+  return MappedText<LowerUnit>(text);
+}
+String Upper(StringView text) {
+  return MappedText<UpperUnit>(text);
+}
+String Fold(StringView text) {
+  return MappedText<FoldUnit>(text);
+}
 
 bool EqualNoCase(StringView left, StringView right) {
   return std::equal(left.begin(), left.end(), right.begin(), right.end(),
@@ -215,7 +225,9 @@ Integer AnsiCode(char16_t unit) {
   return place == std::end(kAnsiMiddle) ? Integer{63} : static_cast<Integer>(0x80 + (place - kAnsiMiddle));
 }
 
-Single LeadingNumber(StringView text, CallSite at) { return Converted<Single>(ScanNumber(text), at); }
+Single LeadingNumber(StringView text, CallSite at) {
+  return Converted<Single>(ScanNumber(text), at);
+}
 
 String Decimal(std::int64_t value) {
   std::array<char, 24> buffer;
@@ -297,8 +309,7 @@ void AppendUtf8(String& text, std::string_view bytes) {
       *out++ = static_cast<char16_t>((lead & 0x0F) << 12 | (in[0] & 0x3Fu) << 6 | (in[1] & 0x3Fu));
       in += 2;
     } else {
-      const char32_t code =
-          (lead & 0x07) << 18 | (in[0] & 0x3Fu) << 12 | (in[1] & 0x3Fu) << 6 | (in[2] & 0x3Fu);
+      const char32_t code = (lead & 0x07) << 18 | (in[0] & 0x3Fu) << 12 | (in[1] & 0x3Fu) << 6 | (in[2] & 0x3Fu);
       *out++ = static_cast<char16_t>(0xD7C0 + (code >> 10));
       *out++ = static_cast<char16_t>(0xDC00 + (code & 0x3FF));
       in += 3;

@@ -14,12 +14,14 @@
 namespace TORVA35 {
 
 /// The first `count` units, or the whole text when it is not longer.
-inline StringView First(StringView text, std::size_t count) { return text.substr(0, count); }
+inline StringView First(StringView text, std::size_t count) {
+  return text.substr(0, count);
+}
 
-/// Cuts the text to its first `count` units.
+/// Cuts the text to its first `count` units, and lets go of the memory that held the others.
 inline String Cut(String text, std::size_t count) {
-  if (text.size() > count) text.resize(count);
-  return text;
+  if (text.size() <= count) return text;
+  return text.substr(0, count);
 }
 
 /// Without the spaces (unit 32) at both ends; no other character goes.
@@ -54,11 +56,12 @@ TORVA35_API String Decimal(std::int64_t value);
 /// kinds without a text (Empty, Null, Missing, objects) raise Type mismatch (13).
 TORVA35_API String TextOf(const TaggedValue& value, CallSite at = CallSite::Current());
 
-/// "True" and "False" in any case, or a number (0 is False, any other True); anything else raises Type mismatch (13).
+/// "True" and "False" in any case, or a number (0 is False, any other True); anything else raises Type mismatch
+/// (13).
 TORVA35_API bool BooleanOf(StringView text, CallSite at = CallSite::Current());
 
-/// The value as a number: a number, a Boolean (True is -1), Empty (0) or a text that is a number as a whole. Anything
-/// else raises Type mismatch (13).
+/// The value as a number: a number, a Boolean (True is -1), Empty (0) or a text that is a number as a whole.
+/// Anything else raises Type mismatch (13).
 TORVA35_API Double NumberOf(const TaggedValue& value, CallSite at = CallSite::Current());
 
 /// UTF-8 of the text; a unit without its partner becomes U+FFFD.

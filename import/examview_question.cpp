@@ -207,6 +207,7 @@ TORVATestQuestionType clsTORVATest::QuestionType(const TaggedValue& vType) const
         return;
       }
     }
+    result = TORVATestQuestionTypeUnknown;
   });
 }
 

@@ -139,6 +139,8 @@ struct Collection::Items {
   }
 
   void MoveGap(std::size_t place) noexcept {
+    // No slot is free: nothing to move, and a slot moved onto itself would lose its text.
+    if (gapBegin_ == gapEnd_) gapBegin_ = gapEnd_ = place;
     for (; gapBegin_ > place; --gapBegin_, --gapEnd_)
       Move(slots_[gapBegin_ - 1], slots_[gapEnd_ - 1], gapEnd_ - 1);
     for (; gapBegin_ < place; ++gapBegin_, ++gapEnd_) Move(slots_[gapEnd_], slots_[gapBegin_], gapBegin_);

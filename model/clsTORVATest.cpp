@@ -56,7 +56,7 @@ void clsTORVATest::Clear() {
 bool clsTORVATest::SetError(const Ref<Object>& oErr) {
   return Reported(kSetError, false, [&](bool& result) {
     basError::goErr() = oErr;
-    result = oErr != nullptr;
+    result = basError::goErr() != nullptr;
   });
 }
 

@@ -101,8 +101,8 @@ class TORVA35_API clsTORVATest : public Object, public std::enable_shared_from_t
   String Description() const { return description_; }
   void Description(String sValue) { description_ = Cut(std::move(sValue), 255); }
 
-  /// The kind that an ExamView type word ("mc", in any case) or type number stands for; Unknown for any other
-  /// value.
+  /// The kind that an ExamView type word ("mc", in any case) or type number stands for; Unknown for any other word
+  /// or number. A value that is neither is reported (13); then 0.
   TORVATestQuestionType QuestionType(const TaggedValue& vType) const;
 
   /// Removes versions and questions, empties the texts, and sets `UserDefined` to False and `Source` to Unknown.

@@ -20,8 +20,8 @@ clsTORVATestQuestion::clsTORVATestQuestion() {
   });
 }
 
-bool clsTORVATestQuestion::MultiplesPermitted() const {
-  return Need(correctAnswers_).Count() > 1 && correctAnd_;
+bool clsTORVATestQuestion::MultiplesPermitted(CallSite at) const {
+  return Need(correctAnswers_, at).Count() > 1 && correctAnd_;
 }
 
 void clsTORVATestQuestion::ID(String sValue) {

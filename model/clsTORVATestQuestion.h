@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "base/CallSite.h"
 #include "base/Export.h"
 #include "base/Object.h"
 #include "base/Text.h"
@@ -59,8 +60,8 @@ class TORVA35_API clsTORVATestQuestion : public Object {
   bool CorrectAnd() const { return correctAnd_; }
   void CorrectAnd(bool bValue) { correctAnd_ = bValue; }
   /// True when more than one answer must be selected: `CorrectAnswers` has several and `CorrectAnd` is True.
-  /// Raises 91 to the caller when `CorrectAnswers` was set to nothing.
-  bool MultiplesPermitted() const;
+  /// Raises 91 to the caller, at the caller's line, when `CorrectAnswers` was set to nothing.
+  bool MultiplesPermitted(CallSite at = CallSite::Current()) const;
 
   /// Of any length.
   String QuestionText() const { return questionText_; }

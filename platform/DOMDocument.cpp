@@ -52,11 +52,12 @@ bool DOMDocument::load(const TaggedValue& vFileName) {
   tree_.reset();
   const auto* fileName = vFileName.As<String>();
   if (fileName == nullptr) Raise(kTypeMismatch);
-  tree_ = std::make_unique<XmlTree>();
-  reader_ = std::make_unique<XmlReader>(*tree_);
+  building_ = std::make_unique<XmlTree>();
+  reader_ = std::make_unique<XmlReader>(*building_);
   parseError_ = reader_->Read(*fileName);
   reader_.reset();
-  if (!parseError_.reason.empty()) tree_.reset();
+  if (parseError_.reason.empty()) tree_ = std::move(building_);
+  building_.reset();
   return tree_ != nullptr;
 }
 

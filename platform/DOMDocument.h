@@ -65,6 +65,7 @@ class TORVA35_API DOMDocument {
   // Members, not locals of load: a processor fault abandons the frames in between, and nothing of them may be
   // lost.
   std::unique_ptr<XmlTree> tree_;
+  std::unique_ptr<XmlTree> building_;  // not to be seen before it is whole
   std::unique_ptr<struct XmlReader> reader_;
   XmlParseError parseError_;
 };

@@ -48,9 +48,11 @@ class Recorder : public ErrorObject {
  public:
   TaggedValue RaiseError(TaggedValue& vNumber, Long&, String&, String& sLocation, String&, String&, String&,
                          String&, Long&, String&, String&, String&, bool&) override {
-    const std::size_t mark = sLocation.rfind(u"; Line: ");
+    const StringView label = u"; Line: ";
+    const std::size_t mark = sLocation.rfind(label);
     failures.push_back({*vNumber.As<Long>(), sLocation.substr(0, mark)});
-    hadLine.push_back(mark != String::npos);
+    lines.push_back(mark == String::npos ? 0 : std::stoi(ToUtf8(sLocation.substr(mark + label.size()))));
+    if (onFailure) onFailure();
     return 0;
   }
 
@@ -64,10 +66,11 @@ class Recorder : public ErrorObject {
   }
 
   std::vector<Failure> failures;
-  std::vector<bool> hadLine;
+  std::vector<Long> lines;  // of the failures, 0 where none is known
   std::vector<Dialog> dialogs;
   TaggedValue reply = 6;
   std::function<void()> onDialog;
+  std::function<void()> onFailure;
 };
 
 /// A test with a recorder as the library's error object. Every failure and dialog that a test provokes, it takes
