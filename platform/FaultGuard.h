@@ -41,7 +41,7 @@ struct ExceptionRecord {
 
 /// What a filter gets.
 struct ExceptionPointers {
-  ExceptionRecord* Record;
+  ExceptionRecord* Record;  ///< never null
 };
 
 /// Turns a fault into a raised failure. It runs on the faulting thread, in place of the abandoned frames and not

@@ -21,6 +21,7 @@ class TORVA35_API clsTemplate : public TemplatePart {
   clsTemplate();
   ~clsTemplate() override;
 
+  /// The pages, in their order; the form's own list.
   virtual Ref<clsTemplatePages> Pages() const { return pages_; }
 
   /// Number of pages, which is the position of the last one. Raises 6 beyond an Integer, as do the next two.
