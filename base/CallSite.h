@@ -5,7 +5,9 @@
 namespace TORVA35 {
 
 /// The source line of a statement, taken by a primitive that can raise as its last, defaulted argument:
+///
 ///     void Remove(TaggedValue Index, CallSite at = CallSite::Current());
+///
 /// A helper between the statement and the primitive passes its own `at` on, or its line would be reported instead.
 class CallSite {
  public:

@@ -30,6 +30,7 @@ class TaggedValue {
   /// Empty.
   TaggedValue() = default;
   /// The value under its own type; a text in any form is a String, and `nullptr` a reference that holds nothing.
+  ///@{
   TaggedValue(EmptyValue) {}
   TaggedValue(NullValue value) : value_(value) {}
   TaggedValue(MissingValue value) : value_(value) {}
@@ -55,6 +56,7 @@ class TaggedValue {
   TaggedValue(std::nullptr_t) : value_(Ref<Object>()) {}
   template <std::derived_from<Object> T>
   TaggedValue(Ref<T> value) : value_(std::in_place_type<Ref<Object>>, std::move(value)) {}
+  ///@}
 
   /// Whether the value is of this kind.
   ///@{

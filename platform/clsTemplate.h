@@ -9,12 +9,14 @@ namespace TORVA35 {
 /// A form: pages of fields of questions, each question with the labels and values of its answer positions.
 ///
 /// All lists are 1-based. A host builds a form from the top down or from the bottom up:
+///
 ///     auto oField = New<clsTemplateField>();
 ///     oField->Questions()->AddNew();
 ///     oField->Questions()->Item(1)->Labels()->Add(u"A");
 ///     auto oPage = New<clsTemplatePage>();
 ///     oPage->Fields()->Add(oField);
 ///     oForm->Pages()->Add(oPage);
+///
 /// Each part belongs to one place. What a merge calls is virtual, so that a host can put its own objects in.
 class TORVA35_API clsTemplate : public TemplatePart {
  public:
