@@ -7,8 +7,8 @@
 /// The whole library.
 ///
 /// A host creates its error object (ErrorObject), gives it to `SetError`, loads tests (clsTORVATest), and lets the
-/// engine merge them into a form. Objects are made with `New<Class>()`, shared through counted references, and used
-/// on the thread that created them.
+/// engine merge them into a form. Objects are made with `New<Class>()`, shared through counted references, and
+/// used on the thread that created them.
 
 #include "base/Array.h"
 #include "base/Error.h"
