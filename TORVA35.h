@@ -1,10 +1,14 @@
 #pragma once
 
-/// All that a host includes. Everything lives in `namespace TORVA35`.
+/// @file
+/// All that a host includes.
+
+/// @namespace TORVA35
+/// The whole library.
 ///
 /// A host creates its error object (ErrorObject), gives it to `SetError`, loads tests (clsTORVATest), and lets the
-/// engine merge them into a form. Objects are made with `New<Class>()`, shared through counted references, and used
-/// on the thread that created them.
+/// engine merge them into a form. Objects are made with `New<Class>()`, shared through counted references, and
+/// used on the thread that created them.
 
 #include "base/Array.h"
 #include "base/Error.h"

@@ -12,6 +12,7 @@
 /// Whole-number arithmetic that raises Overflow (6) where the result leaves the range of its type.
 namespace TORVA35 {
 
+/// left + right.
 template <std::signed_integral T>
 T CheckedAdd(T left, std::type_identity_t<T> right, CallSite at = CallSite::Current()) {
   T result;
@@ -19,6 +20,7 @@ T CheckedAdd(T left, std::type_identity_t<T> right, CallSite at = CallSite::Curr
   return result;
 }
 
+/// left - right.
 template <std::signed_integral T>
 T CheckedSubtract(T left, std::type_identity_t<T> right, CallSite at = CallSite::Current()) {
   T result;

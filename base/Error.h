@@ -11,15 +11,15 @@ namespace TORVA35 {
 
 /// Numbers of the failures that the library raises itself. Their texts: `StandardText`.
 enum ErrorNumber : Long {
-  kInvalidCall = 5,
-  kOverflow = 6,
-  kOutOfMemory = 7,
-  kSubscriptOutOfRange = 9,
-  kTypeMismatch = 13,
-  kInternalError = 51,
-  kNothing = 91,
-  kNoSuchMethod = 438,
-  kDuplicateKey = 457,
+  kInvalidCall = 5,          ///< an argument has no sense here, such as a key that is not in the list
+  kOverflow = 6,             ///< a number leaves the range of its type
+  kOutOfMemory = 7,          ///< memory is exhausted
+  kSubscriptOutOfRange = 9,  ///< a position that does not exist
+  kTypeMismatch = 13,        ///< a value of a kind that cannot be used here
+  kInternalError = 51,       ///< a host's object threw something else; the description is its `what()`
+  kNothing = 91,             ///< a reference that holds nothing was used
+  kNoSuchMethod = 438,       ///< the error object lacks the method
+  kDuplicateKey = 457,       ///< a key that is in use
 };
 
 /// A failure on its way to the handler of the running member. It leaves the library only through a plain property
@@ -30,10 +30,13 @@ class TORVA35_API Error : public std::exception {
   /// that looks at it; reports do not carry it.
   Error(Long number, String description, Long line = 0, String source = {});
 
+  /// What the constructor was given.
+  ///@{
   Long Number() const { return number_; }
   const String& Description() const { return description_; }
   Long Line() const { return line_; }
   const String& Source() const { return source_; }
+  ///@}
 
   /// Number and description in UTF-8.
   const char* what() const noexcept override { return what_.c_str(); }

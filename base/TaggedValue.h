@@ -10,9 +10,9 @@
 
 namespace TORVA35 {
 
-struct EmptyValue {};
-struct NullValue {};
-struct MissingValue {};
+struct EmptyValue {};    ///< the type of `Empty`
+struct NullValue {};     ///< the type of `Null`
+struct MissingValue {};  ///< the type of `Missing`
 
 inline constexpr EmptyValue Empty{};      ///< no value was ever given
 inline constexpr NullValue Null{};        ///< no valid value
@@ -27,7 +27,10 @@ concept OtherWhole = std::same_as<T, unsigned short> || std::same_as<T, unsigned
 /// for the position 5 and `Item(u"5")` for the key "5". A fresh one is Empty.
 class TaggedValue {
  public:
+  /// Empty.
   TaggedValue() = default;
+  /// The value under its own type; a text in any form is a String, and `nullptr` a reference that holds nothing.
+  ///@{
   TaggedValue(EmptyValue) {}
   TaggedValue(NullValue value) : value_(value) {}
   TaggedValue(MissingValue value) : value_(value) {}
@@ -53,12 +56,17 @@ class TaggedValue {
   TaggedValue(std::nullptr_t) : value_(Ref<Object>()) {}
   template <std::derived_from<Object> T>
   TaggedValue(Ref<T> value) : value_(std::in_place_type<Ref<Object>>, std::move(value)) {}
+  ///@}
 
+  /// Whether the value is of this kind.
+  ///@{
   bool IsMissing() const { return Is<MissingValue>(); }
   bool IsObject() const { return Is<Ref<Object>>(); }
-  /// Integer, Long, Single or Double.
   bool IsNumber() const { return Is<Integer>() || Is<Long>() || Is<Single>() || Is<Double>(); }
+  ///@}
 
+  /// Whether the value is of the type T: bool, Integer, Long, Single, Double, String, Ref<Object>, or the type of
+  /// `Empty`, `Null` or `Missing`.
   template <class T>
   bool Is() const {
     return std::holds_alternative<T>(value_);

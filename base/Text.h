@@ -31,14 +31,21 @@ TORVA35_API StringView Trim(StringView text);
 /// parts, and an empty delimiter leaves the text whole.
 TORVA35_API Array<String> Split(StringView text, StringView delimiter);
 
+/// The unit in the other case; itself where it has none.
+///@{
 TORVA35_API char16_t LowerUnit(char16_t unit);
 TORVA35_API char16_t UpperUnit(char16_t unit);
+///@}
 /// The unit that stands for all units that differ only in case.
 TORVA35_API char16_t FoldUnit(char16_t unit);
+/// Every unit of the text in this case.
+///@{
 TORVA35_API String Lower(StringView text);
 TORVA35_API String Upper(StringView text);
+///@}
 /// Two texts are equal without regard to case exactly when their folds are equal.
 TORVA35_API String Fold(StringView text);
+/// Whether the texts are equal without regard to case.
 TORVA35_API bool EqualNoCase(StringView left, StringView right);
 
 /// Code of the character in the ANSI code page, windows-1252; 63 ("?") for one that the code page lacks.

@@ -20,19 +20,19 @@ class IXMLDOMNode;
 
 /// Where a test came from. A property of this type takes any Long.
 enum TORVATestSourceType : Long {
-  TORVATestSourceTypeUnknown = -1,
-  TORVATestSourceTypeExamView = 0,
-  TORVATestSourceTypeLMF = 1,
-  TORVATestSourceTypeNGT = 2,
+  TORVATestSourceTypeUnknown = -1,  ///< the test was cleared
+  TORVATestSourceTypeExamView = 0,  ///< a new test, or one that `LoadXML` filled
+  TORVATestSourceTypeLMF = 1,       ///< `LoadLMF` or `BuildTestFromLMF` filled it
+  TORVATestSourceTypeNGT = 2,       ///< for a host; the library never sets it
 };
 
 /// Which objectives of an ExamView file are read. Flags: add them together.
 enum TORVATestImportObjectives : Long {
-  TORVATestImportObjectivesNone = 0,
-  TORVATestImportObjectivesLearning = 1,
-  TORVATestImportObjectivesLocal = 2,
-  TORVATestImportObjectivesState = 4,
-  TORVATestImportObjectivesNational = 8,
+  TORVATestImportObjectivesNone = 0,      ///< no objective is read
+  TORVATestImportObjectivesLearning = 1,  ///< elements `text-objective`
+  TORVATestImportObjectivesLocal = 2,     ///< elements `local-standard`
+  TORVATestImportObjectivesState = 4,     ///< elements `state-objective`, see `StateAbbreviation`
+  TORVATestImportObjectivesNational = 8,  ///< elements `national-standard`
 };
 
 /// One printed test: its questions, versions and answer scales. It fills itself from a file, or is filled by hand.
@@ -43,47 +43,52 @@ class TORVA35_API clsTORVATest : public Object, public std::enable_shared_from_t
  public:
   clsTORVATest();
 
-  /// The test's own lists, never copies: changes are seen by every holder. Setting replaces the reference; a list
-  /// that was set to nothing fails (91) where a member needs it.
+  /// The questions, in order. The test's own list, as are the versions and the scales, and never a copy: changes
+  /// are seen by every holder. Setting replaces the reference; a list that was set to nothing fails (91) where a
+  /// member needs it.
   Ref<clsTORVATestQuestions> Questions() const { return questions_; }
   void Questions(Ref<clsTORVATestQuestions> oValue) { questions_ = std::move(oValue); }
   /// The versions. A test that was loaded from ExamView has none.
   Ref<clsTORVATestSequences> Sequences() const { return sequences_; }
   void Sequences(Ref<clsTORVATestSequences> oValue) { sequences_ = std::move(oValue); }
 
-  /// Labels of multiple-choice questions at odd and at even positions; "A" to "D" in a new test. `Clear` leaves
+  /// Labels of multiple-choice questions at odd positions of the test; "A" to "D" in a new test. `Clear` leaves
   /// all scales as they are.
   Ref<clsTORVATestStrings> MultipleChoiceOddScale() const { return multipleChoiceOddScale_; }
   void MultipleChoiceOddScale(Ref<clsTORVATestStrings> oValue) { multipleChoiceOddScale_ = std::move(oValue); }
+  /// Likewise at even positions.
   Ref<clsTORVATestStrings> MultipleChoiceEvenScale() const { return multipleChoiceEvenScale_; }
   void MultipleChoiceEvenScale(Ref<clsTORVATestStrings> oValue) { multipleChoiceEvenScale_ = std::move(oValue); }
-  /// "T", "F" in a new test.
+  /// Labels of true/false questions; "T", "F" in a new test.
   Ref<clsTORVATestStrings> TrueFalseScale() const { return trueFalseScale_; }
   void TrueFalseScale(Ref<clsTORVATestStrings> oValue) { trueFalseScale_ = std::move(oValue); }
-  /// "Y", "N" in a new test.
+  /// Labels of yes/no questions; "Y", "N" in a new test.
   Ref<clsTORVATestStrings> YesNoScale() const { return yesNoScale_; }
   void YesNoScale(Ref<clsTORVATestStrings> oValue) { yesNoScale_ = std::move(oValue); }
 
-  /// Kept to its first 255 units, as are `CreatedBy`, `TeacherID` and `Description`; the rest is dropped silently.
+  /// Kept to its first 255 units; the rest is dropped silently, here and wherever a text is kept to a number of
+  /// units.
   String Title() const { return title_; }
   void Title(String sValue) { title_ = Cut(std::move(sValue), 255); }
   /// Names the version that this test is, on the form and as `Answer` of its default version. Kept to its first 50
   /// units.
   String Version() const { return version_; }
   void Version(String sValue) { version_ = Cut(std::move(sValue), 50); }
-  /// Of any length.
+  /// From an LMF file. Of any length.
   String Notes() const { return notes_; }
   void Notes(String sValue) { notes_ = std::move(sValue); }
+  /// For a host; no file sets it. Kept to its first 255 units.
   String CreatedBy() const { return createdBy_; }
   void CreatedBy(String sValue) { createdBy_ = Cut(std::move(sValue), 255); }
+  /// For a host; no file sets it. Kept to its first 255 units.
   String TeacherID() const { return teacherID_; }
   void TeacherID(String sValue) { teacherID_ = Cut(std::move(sValue), 255); }
-  /// ExamView (0) in a new test, Unknown (-1) after `Clear`.
+  /// ExamView (0) in a new test, Unknown (-1) after `Clear`. Takes any Long.
   TORVATestSourceType Source() const { return static_cast<TORVATestSourceType>(source_); }
   void Source(Long eValue) { source_ = eValue; }
   /// How many objectives the questions have together; one that two questions share counts twice.
   Long NumObjectives() const;
-  /// Kept to its first 50 units.
+  /// For a host; no file sets it. Kept to its first 50 units.
   String ID() const { return id_; }
   void ID(String sValue) { id_ = Cut(std::move(sValue), 50); }
   /// Which objectives `LoadXML` reads; set before it. `Clear` leaves it as it is.
@@ -98,6 +103,7 @@ class TORVA35_API clsTORVATest : public Object, public std::enable_shared_from_t
   /// True for a test from an LMF file and for a copy.
   bool UserDefined() const { return userDefined_; }
   void UserDefined(bool bValue) { userDefined_ = bValue; }
+  /// From an LMF file. Kept to its first 255 units.
   String Description() const { return description_; }
   void Description(String sValue) { description_ = Cut(std::move(sValue), 255); }
 

@@ -15,6 +15,7 @@ class TORVA35_API clsTORVATestCorrect : public Object {
  public:
   clsTORVATestCorrect();
 
+  /// Number of numbers.
   Long Count() const;
 
   /// Adds a number. Before, After: position or key of the neighbour; not both. Returns False, without a report,

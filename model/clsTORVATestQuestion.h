@@ -12,9 +12,10 @@
 
 namespace TORVA35 {
 
-/// Kind of a question. A property of this type takes any Long; 0 has no name.
+/// Kind of a question. A property of this type takes any Long; 0 has no name. A form can take true/false, yes/no,
+/// multiple choice and subjective questions; `RemoveInvalid` takes out all others.
 enum TORVATestQuestionType : Long {
-  TORVATestQuestionTypeUnknown = -1,
+  TORVATestQuestionTypeUnknown = -1,  ///< a new question, or a kind that the file does not name
   TORVATestQuestionTypeTrueFalse = 1,
   TORVATestQuestionTypeYesNo = 2,
   TORVATestQuestionTypeMultipleChoice = 3,
@@ -26,7 +27,7 @@ enum TORVATestQuestionType : Long {
   TORVATestQuestionTypeProblem = 9,
   TORVATestQuestionTypeEssay = 10,
   TORVATestQuestionTypeCase = 11,
-  TORVATestQuestionTypeSubjective = 12,
+  TORVATestQuestionTypeSubjective = 12,  ///< scored by hand; from LMF files only
   TORVATestQuestionTypeOther = 13,
   TORVATestQuestionTypeBimodal = 14,
 };
@@ -36,7 +37,8 @@ class TORVA35_API clsTORVATestQuestion : public Object {
  public:
   clsTORVATestQuestion();
 
-  /// The question's own lists, never copies: changes are seen by every holder. Setting replaces the reference.
+  /// The objectives that the question belongs to. The question's own list, as are the two below, and never a copy:
+  /// changes are seen by every holder. Setting replaces the reference.
   Ref<clsTORVATestStrings> LearningObjectives() const { return learningObjectives_; }
   void LearningObjectives(Ref<clsTORVATestStrings> oValue) { learningObjectives_ = std::move(oValue); }
   /// Texts of the answer choices, in the order in which they are shown.
@@ -46,13 +48,17 @@ class TORVA35_API clsTORVATestQuestion : public Object {
   Ref<clsTORVATestCorrect> CorrectAnswers() const { return correctAnswers_; }
   void CorrectAnswers(Ref<clsTORVATestCorrect> oValue) { correctAnswers_ = std::move(oValue); }
 
-  /// Points for a correct answer; 1 in a new question.
+  /// Points for a correct answer; 1 in a new question. A merge takes the points of the form instead, except for
+  /// `SubjectivePoints`.
   Single CorrectPoints() const { return correctPoints_; }
   void CorrectPoints(Single sngValue) { correctPoints_ = sngValue; }
+  /// Points for an incorrect answer; 0 in a new question.
   Single IncorrectPoints() const { return incorrectPoints_; }
   void IncorrectPoints(Single sngValue) { incorrectPoints_ = sngValue; }
+  /// Points for no answer; 0 in a new question.
   Single NoResponsePoints() const { return noResponsePoints_; }
   void NoResponsePoints(Single sngValue) { noResponsePoints_ = sngValue; }
+  /// Points of a question that is scored by hand; 0 in a new question.
   Single SubjectivePoints() const { return subjectivePoints_; }
   void SubjectivePoints(Single sngValue) { subjectivePoints_ = sngValue; }
 
@@ -63,22 +69,25 @@ class TORVA35_API clsTORVATestQuestion : public Object {
   /// Raises 91 to the caller, at the caller's line, when `CorrectAnswers` was set to nothing.
   bool MultiplesPermitted(CallSite at = CallSite::Current()) const;
 
-  /// Of any length.
+  /// The wording as plain text. Of any length.
   String QuestionText() const { return questionText_; }
   void QuestionText(String sValue) { questionText_ = std::move(sValue); }
-  /// Kept to its first 255 units, as are `Topic`, `Keywords` and `Miscellaneous`; the rest is dropped silently.
+  /// Descriptive text. Kept to its first 255 units; the rest is dropped silently.
   String Difficulty() const { return difficulty_; }
   void Difficulty(String sValue) { difficulty_ = Cut(std::move(sValue), kLimit); }
-  /// Of any length.
+  /// Descriptive text. Of any length.
   String Reference() const { return reference_; }
   void Reference(String sValue) { reference_ = std::move(sValue); }
+  /// Descriptive text. Kept to its first 255 units; the rest is dropped silently.
   String Topic() const { return topic_; }
   void Topic(String sValue) { topic_ = Cut(std::move(sValue), kLimit); }
+  /// Descriptive text. Kept to its first 255 units; the rest is dropped silently.
   String Keywords() const { return keywords_; }
   void Keywords(String sValue) { keywords_ = Cut(std::move(sValue), kLimit); }
+  /// Descriptive text. Kept to its first 255 units; the rest is dropped silently.
   String Miscellaneous() const { return miscellaneous_; }
   void Miscellaneous(String sValue) { miscellaneous_ = Cut(std::move(sValue), kLimit); }
-  /// Of any length.
+  /// Descriptive text. Of any length.
   String Notes() const { return notes_; }
   void Notes(String sValue) { notes_ = std::move(sValue); }
 
@@ -87,6 +96,7 @@ class TORVA35_API clsTORVATestQuestion : public Object {
   const String& ID() const { return id_; }
   void ID(String sValue);
 
+  /// Unknown (-1) in a new question. Takes any Long.
   TORVATestQuestionType QuestionType() const { return static_cast<TORVATestQuestionType>(questionType_); }
   void QuestionType(Long eValue) { questionType_ = eValue; }
 

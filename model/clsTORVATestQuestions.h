@@ -18,6 +18,7 @@ class TORVA35_API clsTORVATestQuestions : public Object {
  public:
   clsTORVATestQuestions();
 
+  /// Number of questions.
   Long Count() const;
 
   /// Adds the question itself, not a copy. Before, After: position or ID of the neighbour; not both. Returns True.

@@ -16,6 +16,7 @@ class TORVA35_API clsTORVATestSequenceOrder : public Object {
  public:
   clsTORVATestSequenceOrder();
 
+  /// Number of entries.
   Long Count() const;
 
   /// Adds the value `Count` + 1 under the ID. An ID that is there already is reported, and the order is unchanged.
@@ -23,6 +24,7 @@ class TORVA35_API clsTORVATestSequenceOrder : public Object {
 
   /// Does nothing when there is no such entry. The values of the entries behind it do not change.
   void Remove(const TaggedValue& vKey);
+  /// Removes every entry.
   void RemoveAll();
 
   /// The value, or 0 when there is no such entry, without a report.

@@ -17,6 +17,7 @@ class TORVA35_API clsTORVATestSequences : public Object {
  public:
   clsTORVATestSequences();
 
+  /// Number of versions.
   Long Count() const;
 
   /// Adds the version itself, not a copy, at the end. Returns True. An `Answer` that is in use or no version at

@@ -15,6 +15,7 @@ class TORVA35_API clsTORVATestStrings : public Object {
  public:
   clsTORVATestStrings();
 
+  /// Number of texts.
   Long Count() const;
 
   /// Adds the first 50 units of `Item`.

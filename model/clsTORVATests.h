@@ -16,6 +16,7 @@ class TORVA35_API clsTORVATests : public Object {
  public:
   clsTORVATests();
 
+  /// Number of tests.
   Long Count() const { return items_.Count(); }
 
   /// Adds the test itself, not a copy. Key: optional, unique without regard to case. Before, After: position or
@@ -26,6 +27,7 @@ class TORVA35_API clsTORVATests : public Object {
 
   /// An index that the list does not have is reported.
   void Remove(const TaggedValue& Index);
+  /// Removes every test; the tests themselves stay as they are.
   void RemoveAll();
 
   /// The test, or nothing when there is none. No failure is reported.

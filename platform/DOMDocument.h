@@ -40,7 +40,9 @@ class TORVA35_API DOMDocument {
  public:
   DOMDocument() noexcept;
   ~DOMDocument();
+  /// Takes the document over; handles into it stay good.
   DOMDocument(DOMDocument&&) noexcept;
+  /// Likewise; handles into the document that stood here are no longer good.
   DOMDocument& operator=(DOMDocument&&) noexcept;
 
   /// Loading is always finished when `load` returns, so this changes nothing.
@@ -75,6 +77,7 @@ class TORVA35_API IXMLDOMNode {
  public:
   IXMLDOMNode() = default;
 
+  /// Whether the handle refers to something.
   explicit operator bool() const { return tree_ != nullptr; }
 
   /// Direct children in document order; none for anything but an element.
@@ -90,15 +93,18 @@ class TORVA35_API IXMLDOMNode {
   /// The attributes of an element, an empty map when it has none; an empty handle for any other node.
   IXMLDOMNamedNodeMap get_attributes() const;
 
-  /// What `get_nodeTypedValue` gives, without the tag, and as the UTF-8 that the document holds.
+  /// What `get_nodeTypedValue` gives, without the tag.
   String Text() const;
+  /// Likewise, as the UTF-8 that the document holds.
   std::string_view Utf8() const;
   /// Number that stands for the name in this document, from 1, in order of first appearance, or 0 for a node
-  /// without a name: two elements have the same one exactly when they have the same name. NameCount: the largest.
+  /// without a name: two elements have the same one exactly when they have the same name.
   std::uint32_t NameId() const;
+  /// The largest of these numbers.
   std::uint32_t NameCount() const;
-  /// The next node below the same parent, or an empty handle; likewise the first child.
+  /// The next node below the same parent, or an empty handle.
   IXMLDOMNode NextSibling() const;
+  /// The first child, or an empty handle.
   IXMLDOMNode FirstChild() const;
 
  private:
@@ -116,6 +122,7 @@ class TORVA35_API IXMLDOMNode {
 /// A list of nodes. Walking it by position, forwards, takes constant time a step.
 class TORVA35_API IXMLDOMNodeList {
  public:
+  /// Number of nodes.
   Long get_length() const;
   /// The node at the position from 0, or an empty handle.
   IXMLDOMNode get_item(Long position) const;
@@ -139,8 +146,10 @@ class TORVA35_API IXMLDOMNodeList {
 /// The attributes of an element, in document order.
 class TORVA35_API IXMLDOMNamedNodeMap {
  public:
+  /// Whether the handle refers to something.
   explicit operator bool() const { return tree_ != nullptr; }
 
+  /// Number of attributes.
   Long get_length() const;
   /// The attribute at the position from 0, or an empty handle.
   IXMLDOMNode get_item(Long position) const;

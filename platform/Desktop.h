@@ -20,7 +20,10 @@ TORVA35_API void SetMessageBoxHook(MessageBoxHook hook);
 /// Takes effect on the calling thread. An empty hook restores the default, which does nothing.
 TORVA35_API void SetMousePointerHook(MousePointerHook hook);
 
+/// For the library itself: calls the hook or does the default.
+///@{
 void ShowMessageBox(const String& sText, const String& sTitle, Long lStyle);
 void SetDefaultMousePointer();
+///@}
 
 }  // namespace TORVA35

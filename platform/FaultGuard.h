@@ -14,13 +14,12 @@
 /// frames between it and the fault, those of a host's object among them, are abandoned, which sets the limits:
 ///  - No destructor of an abandoned frame runs. What its locals own is leaked.
 ///  - A lock that the faulting code holds stays held, that of the memory allocator included: the next one who
-///  wants
-///    it waits for ever.
+///    wants it waits for ever.
 ///  - What the faulting code was changing stays half changed.
 ///  - A signal that the faulting code had blocked stays blocked, and one that the thread blocks when it faults
-///  ends
-///    the process.
+///    ends the process.
 ///  - A host leaves the members around it by return or by exception; it does not jump over them.
+///
 /// Floating-point control (rounding, traps) is kept, pending floating-point exceptions are cleared.
 ///
 /// A fault with no member of the library on its thread, and a signal that somebody sends (`kill`, `raise`), go to
@@ -41,7 +40,7 @@ struct ExceptionRecord {
 
 /// What a filter gets.
 struct ExceptionPointers {
-  ExceptionRecord* Record;
+  ExceptionRecord* Record;  ///< never null
 };
 
 /// Turns a fault into a raised failure. It runs on the faulting thread, in place of the abandoned frames and not

@@ -17,6 +17,7 @@ namespace TORVA35 {
 template <class T, class Base = Object>
 class TORVA35_API ObjectList : public Base {
  public:
+  /// Number of objects.
   virtual Long Count() const { return static_cast<Long>(items_.size()); }
 
   /// The shared object at a position, a number: the nearest whole one, ties to the even one. Raises 9 for a
@@ -25,10 +26,12 @@ class TORVA35_API ObjectList : public Base {
     return items_[PlaceOf(Index, items_.size(), at)];
   }
 
+  /// The objects in order.
   auto begin() const { return items_.begin(); }
   auto end() const { return items_.end(); }
 
  protected:
+  /// The objects; none of them is nothing.
   std::vector<Ref<T>> items_;
 };
 

@@ -17,10 +17,13 @@ namespace TORVA35 {
 /// no number 13. Strings are stored whole.
 class TORVA35_API StringList : public Object {
  public:
+  /// An empty list.
   StringList() = default;
 
+  /// Number of strings.
   virtual Long Count() const { return static_cast<Long>(items_.size()); }
 
+  /// The string at a position.
   virtual String Item(const TaggedValue& Index, CallSite at = CallSite::Current()) const;
   /// Replaces the string at a position; the list keeps its length.
   virtual void Item(const TaggedValue& Index, String sText, CallSite at = CallSite::Current());
@@ -33,12 +36,15 @@ class TORVA35_API StringList : public Object {
   /// All strings, in order.
   virtual Array<String> AsArray(Long lLowerBound = 1) const;
 
+  /// Empties the list.
   virtual void RemoveAll() { items_.clear(); }
 
+  /// The strings in order.
   auto begin() const { return items_.begin(); }
   auto end() const { return items_.end(); }
 
  protected:
+  /// A list of these strings.
   explicit StringList(std::vector<String> items) : items_(std::move(items)) {}
 
  private:

@@ -21,10 +21,12 @@ class TORVA35_API TemplatePart : public Object {
     if (holder_ != nullptr) holder_->StructureChanged();
   }
 
+  /// Enters a part into this one; it stands here from now on.
   void Hold(TemplatePart& part) {
     part.holder_ = this;
     StructureChanged();
   }
+  /// The part stands here no longer, unless it stands elsewhere already.
   void LetGo(TemplatePart& part) {
     if (part.holder_ == this) part.holder_ = nullptr;
   }
@@ -49,6 +51,7 @@ class TORVA35_API TemplateList : public ObjectList<T, TemplatePart> {
     return true;
   }
 
+  /// Empties the list.
   void RemoveAll() {
     for (const Ref<T>& item : this->items_) this->LetGo(*item);
     this->items_.clear();

@@ -16,12 +16,17 @@ class TORVA35_API clsLmf : public Object {
  public:
   clsLmf();
 
+  /// The model's own parts, never copies.
+  ///@{
   virtual Ref<clsLmfQuestions> Questions() const { return questions_; }
   virtual Ref<clsLmfVersions> Versions() const { return versions_; }
   virtual Ref<clsLmfObjectives> Objectives() const { return objectives_; }
+  ///@}
 
+  /// Text of the host's, stored whole; a merge leaves it empty, and a test that is loaded from the file takes it.
   virtual String Description() const { return description_; }
   virtual void Description(String sDescription) { description_ = std::move(sDescription); }
+  /// Likewise.
   virtual String Notes() const { return notes_; }
   virtual void Notes(String sNotes) { notes_ = std::move(sNotes); }
 

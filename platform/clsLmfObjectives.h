@@ -13,6 +13,7 @@ namespace TORVA35 {
 /// One learning objective of an LMF file.
 class TORVA35_API clsLmfObjective : public Object {
  public:
+  /// The objective's text, stored whole.
   virtual String Text() const { return text_; }
   virtual void Text(String sText) { text_ = std::move(sText); }
 
@@ -34,6 +35,7 @@ class TORVA35_API clsLmfObjectives : public ObjectList<clsLmfObjective> {
 
   /// Puts the built-in objective in front, unless it stands there.
   void AddBuiltIn();
+  /// Whether it stands there.
   bool HasBuiltIn() const { return hasBuiltIn_; }
   /// The key that the objective at a position was added with, or nothing. Raises like `Item`.
   std::optional<String> KeyOf(Long lPosition, CallSite at = CallSite::Current()) const;

@@ -29,6 +29,7 @@ class TORVA35_API clsLmfQuestion : public Object, public std::enable_shared_from
   /// Name of the question on the form.
   virtual String Name() const { return name_; }
   virtual void Name(String sName) { name_ = std::move(sName); }
+  /// Wording of the question.
   virtual String Text() const { return text_; }
   virtual void Text(String sText) { text_ = std::move(sText); }
 
@@ -39,21 +40,26 @@ class TORVA35_API clsLmfQuestion : public Object, public std::enable_shared_from
   virtual bool Subjective() const { return subjective_; }
   virtual void Subjective(bool bSubjective) { subjective_ = bSubjective; }
 
-  /// Two settings taken over from the form question.
+  /// Settings taken over from the form question.
+  ///@{
   virtual Integer CarriedFlag1() const { return carriedFlag1_; }
   virtual void CarriedFlag1(Integer iFlag) { carriedFlag1_ = iFlag; }
   virtual Integer CarriedFlag2() const { return carriedFlag2_; }
   virtual void CarriedFlag2(Integer iFlag) { carriedFlag2_ = iFlag; }
+  ///@}
   /// A merge sets 1 for a question of a field with `FieldMode` 1, else 2.
   virtual Long QuestionMode() const { return questionMode_; }
   virtual void QuestionMode(Long lMode) { questionMode_ = lMode; }
   /// Above 0: more than one mark is accepted.
   virtual Integer Multiples() const { return multiples_; }
   virtual void Multiples(Integer iMultiples) { multiples_ = iMultiples; }
+  /// Stored, without further effect; a merge sets what a new question has.
+  ///@{
   virtual String DefaultText() const { return defaultText_; }
   virtual void DefaultText(String sText) { defaultText_ = std::move(sText); }
   virtual Double DefaultValue() const { return defaultValue_; }
   virtual void DefaultValue(Double dValue) { defaultValue_ = dValue; }
+  ///@}
 
   /// Number of correct answers.
   virtual Long CorrectCount() const { return correctCount_; }
@@ -62,6 +68,7 @@ class TORVA35_API clsLmfQuestion : public Object, public std::enable_shared_from
   virtual bool CorrectAnd() const { return correctAnd_; }
   virtual void CorrectAnd(bool bAnd) { correctAnd_ = bAnd; }
   /// Points for a correct answer, for an incorrect one and for none, and those of a question scored by hand.
+  ///@{
   virtual Double CorrectPoints() const { return correctPoints_; }
   virtual void CorrectPoints(Double dPoints) { correctPoints_ = dPoints; }
   virtual Double IncorrectPoints() const { return incorrectPoints_; }
@@ -70,8 +77,10 @@ class TORVA35_API clsLmfQuestion : public Object, public std::enable_shared_from
   virtual void NoResponsePoints(Double dPoints) { noResponsePoints_ = dPoints; }
   virtual Double SubjectivePoints() const { return subjectivePoints_; }
   virtual void SubjectivePoints(Double dPoints) { subjectivePoints_ = dPoints; }
+  ///@}
 
-  /// Descriptive texts, as on a question of a test.
+  /// Descriptive texts, as on a question of a test, but stored whole.
+  ///@{
   virtual String Difficulty() const { return difficulty_; }
   virtual void Difficulty(String sDifficulty) { difficulty_ = std::move(sDifficulty); }
   virtual String Reference() const { return reference_; }
@@ -84,6 +93,7 @@ class TORVA35_API clsLmfQuestion : public Object, public std::enable_shared_from
   virtual void Miscellaneous(String sMiscellaneous) { miscellaneous_ = std::move(sMiscellaneous); }
   virtual String Notes() const { return notes_; }
   virtual void Notes(String sNotes) { notes_ = std::move(sNotes); }
+  ///@}
 
  private:
   // A file has thousands of questions: the lists take no allocation of their own, and share the question's count.
@@ -126,6 +136,7 @@ class TORVA35_API clsLmfQuestions : public ObjectList<clsLmfQuestion> {
  public:
   /// Appends the question itself, not a copy. Raises 91 when there is none.
   virtual void Add(Ref<clsLmfQuestion> oQuestion, CallSite at = CallSite::Current());
+  /// Empties the list.
   void RemoveAll() { items_.clear(); }
 };
 

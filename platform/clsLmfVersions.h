@@ -13,6 +13,7 @@ namespace TORVA35 {
 /// Places run from 1.
 class TORVA35_API clsLmfSequence : public Object {
  public:
+  /// Number of places.
   virtual Long Count() const { return static_cast<Long>(order_.size()); }
   /// The question position at a place. Raises 9 for a place that does not exist.
   virtual Long Item(Long lPosition, CallSite at = CallSite::Current()) const;
@@ -31,6 +32,7 @@ class TORVA35_API clsLmfSequences : public ObjectList<clsLmfSequence> {
   /// Puts the natural order over lCount questions in front as the first sequence. Returns True. Raises 5 for a
   /// negative count.
   virtual bool AddDefault(Long lCount, CallSite at = CallSite::Current());
+  /// Empties the list.
   void RemoveAll() { items_.clear(); }
 };
 
@@ -39,6 +41,7 @@ class TORVA35_API clsLmfVersions : public Object {
  public:
   clsLmfVersions();
 
+  /// The question orders, one for each version. A merge puts the natural order first.
   virtual Ref<clsLmfSequences> Sequences() const { return sequences_; }
   /// The version identifiers, parallel to `Sequences`.
   virtual Ref<clsLmfStrings> VersionNames() const { return versionNames_; }
@@ -50,6 +53,7 @@ class TORVA35_API clsLmfVersions : public Object {
   /// 2 when the file stores versions, that is when it has version names; else 0.
   virtual Long VersionMode() const { return VersionNames()->Count() > 0 ? 2 : 0; }
 
+  /// Removes orders and identifiers, and sets `SequenceQuestion` to 0.
   void Clear();
 
  private:

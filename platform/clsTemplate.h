@@ -9,18 +9,21 @@ namespace TORVA35 {
 /// A form: pages of fields of questions, each question with the labels and values of its answer positions.
 ///
 /// All lists are 1-based. A host builds a form from the top down or from the bottom up:
+///
 ///     auto oField = New<clsTemplateField>();
 ///     oField->Questions()->AddNew();
 ///     oField->Questions()->Item(1)->Labels()->Add(u"A");
 ///     auto oPage = New<clsTemplatePage>();
 ///     oPage->Fields()->Add(oField);
 ///     oForm->Pages()->Add(oPage);
+///
 /// Each part belongs to one place. What a merge calls is virtual, so that a host can put its own objects in.
 class TORVA35_API clsTemplate : public TemplatePart {
  public:
   clsTemplate();
   ~clsTemplate() override;
 
+  /// The pages, in their order; the form's own list.
   virtual Ref<clsTemplatePages> Pages() const { return pages_; }
 
   /// Number of pages, which is the position of the last one. Raises 6 beyond an Integer, as do the next two.

@@ -14,10 +14,12 @@ class TORVA35_API clsTemplateField : public TemplatePart {
   clsTemplateField();
   ~clsTemplateField() override;
 
+  /// The questions, in their order; the field's own list.
   virtual Ref<clsTemplateQuestions> Questions() const { return questions_; }
   /// How many of the questions a merge visits, from position 1: all of them. Raises 6 beyond an Integer.
   virtual Integer QuestionCount(CallSite at = CallSite::Current()) const;
 
+  /// Shown to the user when a question of the test has too many answers for this field.
   virtual String Name() const { return settings_.name; }
   virtual void Name(String sName) { settings_.name = std::move(sName); }
 

@@ -21,6 +21,7 @@ class TORVA35_API clsTemplateQuestion : public TemplatePart {
   virtual String Name() const { return settings_.name; }
   virtual void Name(String sName) { settings_.name = std::move(sName); }
 
+  /// Wording of the question.
   virtual String Text() const { return settings_.text; }
   virtual void Text(String sText) { settings_.text = std::move(sText); }
 
@@ -46,11 +47,13 @@ class TORVA35_API clsTemplateQuestion : public TemplatePart {
   virtual Double NoResponsePoints() const { return settings_.noResponsePoints; }
   virtual void NoResponsePoints(Double dPoints) { settings_.noResponsePoints = dPoints; }
 
-  /// Two settings of the host's own, which a merge hands on to the output question.
+  /// Settings of the host's own, which a merge hands on to the output question.
+  ///@{
   virtual Integer CarriedFlag1() const { return settings_.carriedFlag1; }
   virtual void CarriedFlag1(Integer iFlag) { settings_.carriedFlag1 = iFlag; }
   virtual Integer CarriedFlag2() const { return settings_.carriedFlag2; }
   virtual void CarriedFlag2(Integer iFlag) { settings_.carriedFlag2 = iFlag; }
+  ///@}
 
   /// The question's own list of answer labels, one for each answer position. Setting it takes the list by
   /// reference; nothing is allowed and is what a reader then gets.
@@ -65,7 +68,7 @@ class TORVA35_API clsTemplateQuestion : public TemplatePart {
   /// of its own that stands in no form, or whose form is gone. The argument has no effect. Constant time as long
   /// as no page, field or question is added and no `GroupID` changes.
   virtual Long Number(bool, CallSite at = CallSite::Current()) const;
-  /// A template, so that the argument of the getter cannot be taken for a number.
+  /// Sets the number. A template, so that the argument of the getter cannot be taken for one.
   template <std::signed_integral Whole>
   void Number(Whole lNumber) {
     settings_.number = Long{lNumber};
