@@ -7,10 +7,18 @@ std::atomic<std::int64_t> alive{0};
 
 }  // namespace
 
-Object::Object() { alive.fetch_add(1, std::memory_order_relaxed); }
+Object::Object() : counted_(true) {
+  alive.fetch_add(1, std::memory_order_relaxed);
+}
 
-Object::~Object() { alive.fetch_sub(1, std::memory_order_relaxed); }
+Object::Object(OfHost) : counted_(false) {}
 
-std::int64_t Object::AliveCount() { return alive.load(std::memory_order_relaxed); }
+Object::~Object() {
+  if (counted_) alive.fetch_sub(1, std::memory_order_relaxed);
+}
+
+std::int64_t Object::AliveCount() {
+  return alive.load(std::memory_order_relaxed);
+}
 
 }  // namespace TORVA35
