@@ -7,12 +7,14 @@ std::atomic<std::int64_t> alive{0};
 
 }  // namespace
 
-Object::Object() {
+Object::Object() : counted_(true) {
   alive.fetch_add(1, std::memory_order_relaxed);
 }
 
+Object::Object(OfHost) : counted_(false) {}
+
 Object::~Object() {
-  alive.fetch_sub(1, std::memory_order_relaxed);
+  if (counted_) alive.fetch_sub(1, std::memory_order_relaxed);
 }
 
 std::int64_t Object::AliveCount() {

@@ -24,11 +24,19 @@ class TORVA35_API Object {
   Object& operator=(const Object&) = delete;
   virtual ~Object();
 
-  /// Number of objects alive in the process.
+  /// Number of the library's objects alive in the process.
   static std::int64_t AliveCount();
 
  protected:
+  /// For a class of the host: its objects do not count as alive. The library holds the error object until it is
+  /// unloaded, and could never be if that kept it loaded.
+  struct OfHost {};
+
   Object();
+  explicit Object(OfHost);
+
+ private:
+  const bool counted_;
 };
 
 /// Creates an object: `auto oTest = New<clsTORVATest>();`

@@ -38,6 +38,9 @@ class TORVA35_API HasMsgBoxEx {
 
 /// What a host derives its error object from. `SetError` takes any `Object`: one that lacks a method is noticed when
 /// that method is called, which then fails with 438.
-class TORVA35_API ErrorObject : public Object, public HasRaiseError, public HasMsgBoxEx {};
+class TORVA35_API ErrorObject : public Object, public HasRaiseError, public HasMsgBoxEx {
+ protected:
+  ErrorObject() : Object(OfHost{}) {}
+};
 
 }  // namespace TORVA35

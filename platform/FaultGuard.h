@@ -16,16 +16,17 @@
 ///  - A lock that the faulting code holds stays held, that of the memory allocator included: the next one who
 ///    wants it waits for ever.
 ///  - What the faulting code was changing stays half changed.
-///  - A signal that the faulting code had blocked stays blocked, and one that the thread blocks when it faults
-///    ends the process.
+///  - A signal that the faulting code had blocked stays blocked; a fault whose own signal is blocked ends the
+///    process.
 ///  - A host leaves the members around it by return or by exception; it does not jump over them.
-///
+///  - Code that faults on purpose and mends it in a handler of its own, as some run-time systems do, cannot be
+///    called from within a member.
 /// Floating-point control (rounding, traps) is kept, pending floating-point exceptions are cleared.
 ///
 /// A fault with no member of the library on its thread, and a signal that somebody sends (`kill`, `raise`), go to
-/// the signal action that stood before the library's, as if the library were not there; only a handler that asked
-/// to run off the alternate stack runs on it nevertheless. The actions are put back when the library is unloaded,
-/// each one where the library's own still stands.
+/// the signal action that stood before the library's, as if the library were not there; only that a handler which
+/// did not ask for the alternate stack may run on it. The actions are put back when the library is unloaded, each
+/// one where the library's own still stands.
 namespace TORVA35 {
 
 /// What is known of a fault.
@@ -40,7 +41,7 @@ struct ExceptionRecord {
 
 /// What a filter gets.
 struct ExceptionPointers {
-  ExceptionRecord* Record;  ///< never null
+  ExceptionRecord* Record;
 };
 
 /// Turns a fault into a raised failure. It runs on the faulting thread, in place of the abandoned frames and not

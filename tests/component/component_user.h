@@ -1,0 +1,9 @@
+#pragma once
+
+#include <string>
+
+#include "base/Object.h"
+
+/// What a plug-in of a host does with objects that the host has created by name: reports go to an error object of
+/// its own, which sets `*released` at its end. Returns what it has seen.
+extern "C" std::string* UseComponent(TORVA35::Object& engine, TORVA35::Object& test, bool* released);
