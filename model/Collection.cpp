@@ -181,7 +181,8 @@ void Collection::Add(TaggedValue Item, const TaggedValue& Key, const TaggedValue
 }
 
 const TaggedValue& Collection::Item(const TaggedValue& Index, CallSite at) const {
-  return items_->At(NeedPlace(Index, at));
+  const std::size_t place = NeedPlace(Index, at);
+  return items_->At(place);
 }
 
 void Collection::Remove(const TaggedValue& Index, CallSite at) {

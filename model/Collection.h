@@ -41,7 +41,7 @@ class TORVA35_API Collection {
   /// Takes the item out; those behind it move one place forward.
   void Remove(const TaggedValue& Index, CallSite at = CallSite::Current());
 
-  /// The item, or null where `Item` would raise.
+  /// The item, or null where `Item` would raise. Valid until the list changes, as is what `Item` gives.
   const TaggedValue* Find(const TaggedValue& Index) const;
   /// Likewise, for a key that need not be a String of its own.
   const TaggedValue* FindKey(StringView key) const;

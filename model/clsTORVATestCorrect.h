@@ -10,7 +10,8 @@ namespace TORVA35 {
 
 /// The correct answers of a question: a set of 1-based positions in its `Answers`, in the order in which they were
 /// added. A String as index is a number's decimal text ("3" asks for the answer 3), a number is a position in the
-/// set. Every failure is reported to the error object, never raised.
+/// set. Numbers and positions have 16 bits: a wider value must fit before it is passed. Every failure is reported
+/// to the error object, never raised.
 class TORVA35_API clsTORVATestCorrect : public Object {
  public:
   clsTORVATestCorrect();

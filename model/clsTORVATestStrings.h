@@ -58,7 +58,7 @@ class TORVA35_API clsTORVATestStrings : public Object {
   /// texts are cut at 50 units, a text with a TAB becomes two, and a list of one empty text becomes an empty list.
   Ref<clsTORVATestStrings> Copy() const;
 
-  /// The text at the index without a copy, or null when there is none.
+  /// The text at the index without a copy, or null when there is none. Valid until the list changes.
   const String* Find(const TaggedValue& Index) const;
 
  private:
