@@ -13,7 +13,7 @@ namespace TORVA35::modvbCodeShieldSupport {
 TORVA35_API void InstallExceptionFilter();
 
 /// Raises the failure that stands for a fault. The innermost nested record counts: the description is its code's
-/// name, the number (code And 0x8EF) Or 10000, the source "vbcsExceptionFilter".
+/// name, the number (code And 0x8EF) Or 10000, the source "vbcsExceptionFilter". It does not return.
 TORVA35_API Long vbcsExceptionFilter(ExceptionPointers& pointers);
 
 /// Name of an exception code: "Access Violation" for 0xC0000005. A code without a name gives "Unknown (&H", the

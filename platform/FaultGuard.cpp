@@ -40,6 +40,8 @@ constexpr std::size_t kAlternateStackSize = 64 * 1024;
 
 // How far below the guard of a stack an access still counts as its overflow: a frame may begin behind the guard.
 constexpr std::uintptr_t kBelowGuard = 64 * 1024;
+// Size of the guard below an alternate stack, where handlers run that may have counted on more room.
+constexpr std::size_t kAlternateGuard = 64 * 1024;
 
 constexpr int kSignals[] = {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGTRAP};
 
@@ -66,6 +68,7 @@ struct ThreadState {
   std::uintptr_t belowStack;  // accesses from here to stackBegin hit the guard
   std::uintptr_t stackBegin;  // lowest address of the stack, or the lowest one to which it may grow
   std::uintptr_t stackEnd;
+  std::uintptr_t alternateGuard;  // begin of the guard below the alternate stack, or 0
 };
 [[gnu::tls_model("initial-exec")]] constinit thread_local ThreadState state{};
 
@@ -90,6 +93,12 @@ bool IsStackOverflow(const siginfo_t& info) {
   if (address >= state.belowStack && address < state.stackBegin) return true;
   // The stack of the first thread grows until the system refuses: at its limit, or a gap above the next mapping.
   return info.si_code == SEGV_MAPERR && address >= state.stackBegin && address < state.stackEnd;
+}
+
+// The system would begin anew at the alternate stack's top, and a handler that keeps faulting would never end.
+bool IsAlternateStackOverflow(const siginfo_t& info) {
+  const auto address = reinterpret_cast<std::uintptr_t>(info.si_addr);
+  return state.alternateGuard != 0 && address - state.alternateGuard < kAlternateGuard;
 }
 
 std::uint32_t FloatingPointCode(int code) {
@@ -222,8 +231,8 @@ void OnSignal(int signal, siginfo_t* info, void* context) {
   if (signal == SIGBUS) EndAlignmentCheck();
   const int callersErrno = errno;
   if (IsFault(signal, *info)) {
-    if (state.handling != 0) {
-      // The handler itself has faulted: once more, without it.
+    if (state.handling != 0 || IsAlternateStackOverflow(*info)) {
+      // A handler itself has faulted: once more, without it.
       SetDefaultAction(signal);
       return;
     }
@@ -277,15 +286,18 @@ class AlternateStack {
         std::max(kAlternateStackSize, static_cast<std::size_t>(std::max(sysconf(_SC_SIGSTKSZ), 0L)));
     if (sigaltstack(nullptr, &earlier_) != 0) return;
     if ((earlier_.ss_flags & SS_DISABLE) == 0 && earlier_.ss_size >= needed) return;
-    guard_ = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
-    size_ = guard_ + needed;
+    size_ = kAlternateGuard + needed;
     void* const memory = mmap(nullptr, size_, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_STACK, -1, 0);
     if (memory == MAP_FAILED) return;
     memory_ = static_cast<char*>(memory);
     stack_t ours{};
-    ours.ss_sp = memory_ + guard_;
+    ours.ss_sp = memory_ + kAlternateGuard;
     ours.ss_size = needed;
-    if (mprotect(ours.ss_sp, needed, PROT_READ | PROT_WRITE) != 0 || sigaltstack(&ours, nullptr) != 0) Release();
+    if (mprotect(ours.ss_sp, needed, PROT_READ | PROT_WRITE) != 0 || sigaltstack(&ours, nullptr) != 0) {
+      Release();
+      return;
+    }
+    state.alternateGuard = reinterpret_cast<std::uintptr_t>(memory_);
   }
   AlternateStack(const AlternateStack&) = delete;
   AlternateStack& operator=(const AlternateStack&) = delete;
@@ -293,10 +305,11 @@ class AlternateStack {
     if (memory_ == nullptr) return;
     stack_t current{};
     // A stack that is in use, or that is no longer ours, stays.
-    if (sigaltstack(nullptr, &current) == 0 && current.ss_sp == memory_ + guard_ &&
+    if (sigaltstack(nullptr, &current) == 0 && current.ss_sp == memory_ + kAlternateGuard &&
         sigaltstack(&earlier_, nullptr) != 0) {
       return;
     }
+    state.alternateGuard = 0;
     Release();
   }
 
@@ -308,7 +321,6 @@ class AlternateStack {
 
   stack_t earlier_{};
   char* memory_ = nullptr;
-  std::size_t guard_ = 0;
   std::size_t size_ = 0;
 };
 
