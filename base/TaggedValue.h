@@ -24,8 +24,7 @@ concept OtherWhole = std::same_as<T, unsigned short> || std::same_as<T, unsigned
     std::same_as<T, unsigned long> || std::same_as<T, long long> || std::same_as<T, unsigned long long>;
 
 /// A value that carries its own type. Every type that it can hold converts to it, so that a host writes `Item(5)`
-/// for the position 5 and `Item(u"5")` for the key "5". A whole number of another type (64 bits, or unsigned)
-/// needs a cast to Long. A fresh one is Empty.
+/// for the position 5 and `Item(u"5")` for the key "5". A fresh one is Empty.
 class TaggedValue {
  public:
   /// Empty.
