@@ -279,7 +279,7 @@ void Numbers(const std::string& path) {
     std::istringstream words(line);
     std::string bar, second, third;
     Long number = 0;
-    if (!(words >> bar >> number >> bar)) continue;
+    if (!(words >> bar && bar == "|" && words >> number >> bar)) continue;
     std::getline(words, second, '|');
     std::getline(words, third, '|');
     const auto trimmed = [](const std::string& text) { return String(Trim(FromUtf8(text))); };
