@@ -11,6 +11,7 @@
 #include <sstream>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "TORVA35.h"
@@ -271,6 +272,95 @@ void Index() {
   Expect(oList->Item(2) == u"green" && oList->Item(u"5") == u"red" && oList->Item(5).empty());
 }
 
+// A test of the elements below examview.
+Ref<clsTORVATest> TestOf(const std::string& elements) {
+  const std::string path = std::filesystem::temp_directory_path() / ("guide-" + std::to_string(getpid()) + ".xml");
+  std::ofstream(path) << "<examview>" << elements << "</examview>";
+  auto oTest = New<clsTORVATest>();
+  Expect(oTest->LoadXML(FromUtf8(path)));
+  std::filesystem::remove(path);
+  return oTest;
+}
+
+std::string Choice(const std::string& id, const std::string& answer, const std::string& choices = "<b/><b/><b/>") {
+  return "<question type='mc' question-id='" + id + "'><choices>" + choices + "</choices><answer>" + answer +
+         "</answer></question>";
+}
+std::string Version(const std::string& name) {
+  return "<header><version>" + name + "</version></header>";
+}
+
+Ref<clsTORVA> EngineOf(const std::vector<Ref<clsTORVATest>>& tests, const Ref<clsTemplate>& oForm) {
+  auto oEngine = New<clsTORVA>();
+  for (const auto& oTest : tests) oEngine->Tests()->Add(oTest);
+  oEngine->TemplateIn(oForm);
+  oEngine->TemplateOut(New<clsTemplate>());
+  return oEngine;
+}
+
+// What the guide says of other orders and of what to plan for, where no test of the library says it as well.
+void OtherOrders(MyErrorObject& err, const std::string& output) {
+  const auto Reports = [&err](int count) { return std::exchange(err.failures, 0) == count; };
+
+  const auto oA =
+      TestOf(Version("A") + Choice("1", "B") + "<question question-id='2'><answer>École</answer></question>");
+  const auto oB =
+      TestOf(Version("B") + Choice("1", "B") + "<question question-id='2'><answer>École</answer></question>");
+  auto oEngine = EngineOf({oA, oB}, MakeForm(1));
+  Expect(oEngine->ValidTestVersions() && Reports(2));
+  Expect(oEngine->RemoveInvalid() && oEngine->ValidTestVersions() && Reports(0));
+
+  // A version mark behind graded questions that are switched off.
+  const std::vector<String> letters = {u"A", u"B", u"C"};
+  auto oPage = New<clsTemplatePage>();
+  oPage->Fields()->Add(Field(u"Question", 3, true, letters));
+  oPage->Fields()->Add(Field(u"Version", 1, false, letters));
+  auto oForm = New<clsTemplate>();
+  oForm->Pages()->Add(oPage);
+  oEngine = EngineOf({oA, oB}, oForm);
+  oEngine->SequenceQuestion(4);
+  Expect(oEngine->Merge() && oEngine->SequenceQuestion() == 2);
+
+  // Versions that AddSequence has added reach no data file.
+  oA->Sequences()->RemoveAll();
+  oA->Sequences()->AddDefault(oA->Questions(), oA->Version());
+  Expect(oA->AddSequence(oB) && oA->Sequences()->Count() == 2);
+  oEngine = EngineOf({oA}, MakeForm(1));
+  Expect(oEngine->Merge() && oEngine->MIVLMF()->Versions()->VersionMode() == 0);
+
+  // One object for both forms.
+  oEngine->TemplateOut(oEngine->TemplateIn());
+  Expect(!oEngine->Merge() && Reports(1) && oEngine->TemplateIn()->QuestionCount() == 0);
+
+  // Two versions of one name, two correct answers, and the points of a subjective question, through a file.
+  const auto oTwo = TestOf(Version("A") + Choice("1", "A,C"));
+  auto oEssay = New<clsTORVATestQuestion>();
+  oEssay->ID(u"2");
+  oEssay->QuestionType(TORVATestQuestionTypeSubjective);
+  oEssay->SubjectivePoints(5);
+  oTwo->Questions()->Add(oEssay);
+  Expect(oTwo->Questions()->Item(1)->MultiplesPermitted());
+  oEngine = EngineOf({oTwo, oTwo}, MakeForm(1));
+  oEngine->SequenceQuestion(1);
+  Expect(oEngine->ValidTestVersions() && oEngine->Merge());
+  const auto oRead = SaveAndLoad(*oEngine, output);
+  Expect(oRead && oRead->Sequences()->Count() == 1 && Reports(1));
+  Expect(!oRead->Questions()->Item(1)->MultiplesPermitted());
+  Expect(oRead->Questions()->Item(1)->Answers()->AsString(u"") == u"ABC");
+  Expect(oRead->Questions()->Item(2)->SubjectivePoints() == 0);
+
+  Expect(TestOf("<question question-id='1' bank-id='12'/><question question-id='11' bank-id='2'/>")
+             ->Questions()
+             ->Count() == 1);
+  Expect(TestOf("<question/><question/>")->Questions()->Count() == 1 && Reports(2));
+  Expect(TestOf(Choice("1", "A,E", "<b/><b/><b/><b/><b/>"))->CorrectAnswersAsString(1) == u"(A,)");
+  Expect(TestOf(Version(" A ") + Choice("1", "A"))->Version() == u" A ");
+  Expect(TestOf("<question><text><para>H<sub>2</sub>O <table>x</table>x<sup>2</sup></para></text></question>")
+             ->Questions()
+             ->Item(1)
+             ->QuestionText() == u"H O x 2");
+}
+
 // The rows "| number | text | ..." and "| number | code | text | ..." of the tables.
 void Numbers(const std::string& path) {
   std::ifstream file(path);
@@ -307,8 +397,9 @@ int main(int argc, char** argv) {
   const auto oErr = New<MyErrorObject>();
   // [once]
   const bool merged = MergeBoth(folder, oErr, output);
-  std::filesystem::remove(output);
   Expect(merged);
+  OtherOrders(*oErr, output);
+  std::filesystem::remove(output);
 
   oErr->cancel = true;
   Expect(Load(folder + "/sample-test.xml") == nullptr);
