@@ -1,6 +1,7 @@
 // One question element of an ExamView file.
 
 #include <iterator>
+#include <utility>
 
 #include "base/Text.h"
 #include "errors/Reported.h"
@@ -29,6 +30,12 @@ constexpr TypeRow kTypes[] = {
     {u"pr", 10, TORVATestQuestionTypeProblem},        {u"es", 11, TORVATestQuestionTypeEssay},
     {u"ca", 12, TORVATestQuestionTypeCase},           {u"ot", 13, TORVATestQuestionTypeOther},
 };
+
+// Keeps the text where it has no blanks at its ends and not much more memory than it needs.
+String Trimmed(String text) {
+  const StringView trimmed = Trim(text);
+  return trimmed.size() == text.size() && text.capacity() - text.size() < 16 ? std::move(text) : String(trimmed);
+}
 
 // Reads one element into a question. `test` lends its settings.
 class QuestionReader {
@@ -168,11 +175,11 @@ bool clsTORVATest::AddXMLQuestion(const IXMLDOMNode& oNode, bool& bPartialCredit
     for (IXMLDOMNode child = oNode.FirstChild(); child; child = child.NextSibling()) {
       switch (names.Whole(child)) {
         case ExamViewName::kText:
-          question->QuestionText(String(Trim(NodeText(child, names))));
+          question->QuestionText(Trimmed(NodeText(child, names)));
           break;
         case ExamViewName::kChoices:
           for (IXMLDOMNode choice = child.FirstChild(); choice; choice = choice.NextSibling()) {
-            Need(question->Answers()).Add(String(Trim(NodeText(choice, names))));
+            Need(question->Answers()).Add(Trimmed(NodeText(choice, names)));
           }
           break;
         case ExamViewName::kAnswer:
@@ -207,7 +214,6 @@ TORVATestQuestionType clsTORVATest::QuestionType(const TaggedValue& vType) const
         return;
       }
     }
-    result = TORVATestQuestionTypeUnknown;
   });
 }
 

@@ -31,7 +31,11 @@ std::size_t Cleaned(std::size_t run) {
 
 class Flattening {
  public:
-  explicit Flattening(ExamViewNames& names) : names_(names) {}
+  explicit Flattening(ExamViewNames& names) : names_(names) {
+    // Enough for ordinary text.
+    words_.reserve(16);
+    levels_.reserve(8);
+  }
 
   String Run(const IXMLDOMNode& root) {
     Visit(root);
@@ -151,14 +155,17 @@ class Flattening {
 
   // A single blank between two other characters belongs to the word.
   static std::size_t WordEnd(std::string_view text, std::size_t i) {
-    for (;; ++i) {
-      i = std::min(text.find_first_of(" \n", i), text.size());
-      if (i + 1 >= text.size() || text[i] == '\n' || text[i + 1] == ' ' || text[i + 1] == '\n') return i;
+    for (; i < text.size() && text[i] != '\n'; ++i) {
+      if (text[i] == ' ' && (i + 1 == text.size() || text[i + 1] == ' ' || text[i + 1] == '\n')) break;
     }
+    return i;
   }
 
   String Joined() const {
+    std::size_t size = trailing_;
+    for (const Word& word : words_) size += word.blanks + word.utf8.size();
     String text;
+    text.reserve(size);
     for (const Word& word : words_) {
       text.append(word.blanks, u' ');
       AppendUtf8(text, word.utf8);

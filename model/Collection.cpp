@@ -122,7 +122,7 @@ struct Collection::Items {
  private:
   void Grow() {
     const std::size_t size = slots_.size();
-    std::vector<Slot> grown(std::max<std::size_t>(2, size + std::max<std::size_t>(1, size / 2)));
+    std::vector<Slot> grown(size == 0 ? 2 : size + std::max<std::size_t>(3, size / 2));
     std::move(slots_.begin(), slots_.begin() + static_cast<std::ptrdiff_t>(gapBegin_), grown.begin());
     const std::size_t gapEnd = grown.size() - (size - gapEnd_);
     for (std::size_t from = gapEnd_, to = gapEnd; from < size; ++from, ++to) Move(slots_[from], grown[to], to);

@@ -8,6 +8,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <new>
@@ -26,6 +27,10 @@ constexpr float kMaximumAmplification = 10;
 constexpr std::size_t kLargest = 0xFFFF0000;
 
 struct TooLarge {};
+
+void NeedRoom(std::size_t size) {
+  if (size > kLargest) throw TooLarge();
+}
 
 // Fills the map of a single-byte code page from the system's converter.
 int XMLCALL UnknownEncoding(void*, const XML_Char* name, XML_Encoding* encoding) {
@@ -52,8 +57,10 @@ int XMLCALL UnknownEncoding(void*, const XML_Char* name, XML_Encoding* encoding)
   return singleByte ? XML_STATUS_OK : XML_STATUS_ERROR;
 }
 
+// By hand: the search for a set of characters is a function call for every character.
 bool IsWhite(std::string_view text) {
-  return text.find_first_not_of(" \t\r\n") == text.npos;
+  return std::all_of(text.begin(), text.end(),
+                     [](char c) { return c == ' ' || c == '\n' || c == '\t' || c == '\r'; });
 }
 
 XmlParseError Unreadable(int error) {
@@ -98,10 +105,6 @@ struct XmlReader::Callbacks {
     if (reader.failure_) return;
     try {
       body(reader);
-      if (reader.tree_.text.size() > kLargest || reader.tree_.values.size() > kLargest ||
-          reader.tree_.nodes.size() > kLargest) {
-        throw TooLarge();
-      }
     } catch (...) {
       reader.failure_ = std::current_exception();
       XML_StopParser(reader.parser_.get(), XML_FALSE);
@@ -202,6 +205,7 @@ void XmlReader::BeginElement(std::string_view name, const char** attributes) {
   for (; *attributes != nullptr; attributes += 2) {
     const auto begin = static_cast<std::uint32_t>(tree_.values.size());
     tree_.values.append(attributes[1]);
+    NeedRoom(tree_.values.size());
     tree_.attributes.push_back(
         {tree_.Intern(attributes[0]), begin, static_cast<std::uint32_t>(tree_.values.size())});
   }
@@ -224,6 +228,11 @@ void XmlReader::FlushText() {
   textBegin_ = tree_.text.size();
 }
 
+void XmlReader::Characters(std::string_view characters) {
+  tree_.text.append(characters);
+  NeedRoom(tree_.text.size());
+}
+
 void XmlReader::BeginCdata() {
   FlushText();
 }
@@ -238,6 +247,7 @@ void XmlReader::EndCdata() {
 void XmlReader::Append(XmlNode node) {
   const auto index = static_cast<std::uint32_t>(tree_.nodes.size());
   tree_.nodes.push_back(node);
+  NeedRoom(tree_.nodes.size());
   if (open_.empty()) return;
   Open& parent = open_.back();
   if (parent.lastChild != 0) tree_.nodes[parent.lastChild].next = index;

@@ -47,7 +47,7 @@ struct XmlReader {
   XmlParseError ReadAll();
   void BeginElement(std::string_view name, const char** attributes);
   void EndElement();
-  void Characters(std::string_view characters) { tree_.text.append(characters); }
+  void Characters(std::string_view characters);
   void BeginCdata();
   void EndCdata();
   void FlushText();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -79,6 +80,8 @@ struct XmlTree {
   std::string names;  // all names, one behind the other, UTF-8
   std::vector<std::uint32_t> nameEnds;
   std::unordered_set<std::uint32_t, NameHash, NameEqual> numbers;
+  // Names seen last, by what is quick to tell of them: nearly every element finds its name here.
+  std::array<std::uint32_t, 128> recent{};
 };
 
 }  // namespace TORVA35
