@@ -32,7 +32,9 @@ class TORVA35_API Object {
   /// unloaded, and could never be if that kept it loaded.
   struct OfHost {};
 
+  /// An object that counts as alive.
   Object();
+  /// An object that does not.
   explicit Object(OfHost);
 
  private:

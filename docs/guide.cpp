@@ -242,7 +242,7 @@ void RaisingObjects() {
   const auto oTest = New<clsTORVATest>();
   if (oTest->Questions()->Item(7) == nullptr) std::cerr << "no such question\n";  // the test model never raises
   try {
-    New<clsTemplate>()->Pages()->Item(7);  // forms, LMF models and the DOM do
+    New<clsTemplate>()->Pages()->Item(7);  // forms and LMF models do
   } catch (const Error& error) {
     std::cerr << error.what() << '\n';  // "9: Subscript out of range"
   }

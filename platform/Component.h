@@ -27,17 +27,17 @@ class TORVA35_API ClassFactory {
 
 /// A row of the class table.
 struct CreatableClass {
-  StringView name;
-  const ClassFactory* factory;
+  StringView name;              ///< as `DllGetClassObject` takes it
+  const ClassFactory* factory;  ///< never null
 };
 
 /// The classes that a host creates, to be defined where they are known. The rows last as long as the library.
 std::span<const CreatableClass> CreatableClasses();
 
 // Results of the calls below.
-inline constexpr Long kComponentOk = 0;
-inline constexpr Long kComponentFalse = 1;
-inline constexpr Long kClassNotAvailable = static_cast<Long>(0x80040111);
+inline constexpr Long kComponentOk = 0;                                    ///< yes, or done
+inline constexpr Long kComponentFalse = 1;                                 ///< no
+inline constexpr Long kClassNotAvailable = static_cast<Long>(0x80040111);  ///< the table has no such class
 
 extern "C" {
 

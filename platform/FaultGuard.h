@@ -21,6 +21,7 @@
 ///  - A host leaves the members around it by return or by exception; it does not jump over them.
 ///  - Code that faults on purpose and mends it in a handler of its own, as some run-time systems do, cannot be
 ///    called from within a member.
+///
 /// Floating-point control (rounding, traps) is kept, pending floating-point exceptions are cleared.
 ///
 /// A fault with no member of the library on its thread, and a signal that somebody sends (`kill`, `raise`), go to
@@ -41,7 +42,7 @@ struct ExceptionRecord {
 
 /// What a filter gets.
 struct ExceptionPointers {
-  ExceptionRecord* Record;
+  ExceptionRecord* Record;  ///< never null
 };
 
 /// Turns a fault into a raised failure. It runs on the faulting thread, in place of the abandoned frames and not
