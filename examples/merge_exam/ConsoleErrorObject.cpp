@@ -69,7 +69,6 @@ TaggedValue ConsoleErrorObject::RaiseError(TaggedValue& vNumber, Long&, String& 
                                            String&, String&, String&, String&, Long&, String&, String&, String&,
                                            bool&) {
   ++failureCount_;
-  std::cout.flush();
   std::cerr << "merge_exam: failure " << OneLine(basPublic::CString(vNumber)) << ": " << OneLine(sDescription)
             << " (" << OneLine(sLocation) << ")\n";
   return Integer{0};
@@ -80,7 +79,6 @@ TaggedValue ConsoleErrorObject::MsgBoxEx(String sTitle, String sText, Long, Tagg
   std::vector<Button> buttons = {Button(sButton1)};
   if (const String* button = vButton2.As<String>()) buttons.emplace_back(*button);
 
-  std::cout.flush();
   std::cerr << "\n*** " << OneLine(sTitle) << " ***\n";
   ShowText(sText);
   return Ask(buttons) == 0 ? kOk : kCancel;

@@ -104,7 +104,8 @@ std::string WhyRefused(const std::string& path, FileKind kind) {
            OneLine(root.get_nodeName()) + ">, not <" + ToUtf8(wanted) + ">";
   }
   if (examView) return "an ExamView export without a question that could be read";
-  return "an LMF file that is damaged, of an unknown version, or without a question that is scored";
+  return clsLmf().Open(FromUtf8(path)) ? "an LMF file without a scored question that could be read"
+                                       : "an LMF file that is damaged or of an unknown version";
 }
 
 }  // namespace merge_exam
