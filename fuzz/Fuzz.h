@@ -20,7 +20,7 @@
 /// process when it does what it must never do.
 namespace TORVA35::fuzz {
 
-inline void Require(bool condition, const char* what, std::string_view detail = {}) {
+inline void Require(bool condition, const char* what, std::string_view detail = "") {
   if (condition) return;
   std::fprintf(stderr, "Not so: %s %.*s\n", what, static_cast<int>(detail.size()), detail.data());
   std::abort();
