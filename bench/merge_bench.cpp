@@ -3,9 +3,13 @@
 #include <benchmark/benchmark.h>
 
 #include <cstdlib>
+#include <filesystem>
 #include <map>
+#include <mutex>
+#include <string>
 #include <utility>
 
+#include "bench/ExamViewExport.h"
 #include "bench/MergeSetup.h"
 
 namespace TORVA35::bench {
@@ -38,6 +42,25 @@ BENCHMARK(Merge)
     ->Unit(benchmark::kMillisecond)
     ->Repetitions(7)
     ->ReportAggregatesOnly();
+
+// A file loaded and merged on each thread: threads share nothing, so two should do close to twice the work of one.
+void LoadAndMerge(benchmark::State& state) {
+  static std::mutex making;
+  static const std::string path = std::filesystem::temp_directory_path() / "torva35-bench-threads.xml";
+  Ref<clsTORVA> engine;
+  {
+    const std::lock_guard lock(making);
+    WriteExport(path, {.questions = 1000});
+    engine = MakeEngine(1000, 1);
+  }
+  for (auto _ : state) {
+    const auto test = New<clsTORVATest>();
+    if (!test->LoadXML(FromUtf8(path)) || !engine->Merge()) state.SkipWithError("not loaded and merged");
+    Rewind(*engine);
+  }
+  state.SetItemsProcessed(state.iterations());
+}
+BENCHMARK(LoadAndMerge)->Threads(1)->Threads(2)->UseRealTime()->Repetitions(7)->ReportAggregatesOnly();
 
 }  // namespace
 }  // namespace TORVA35::bench
