@@ -22,8 +22,10 @@ enum ErrorNumber : Long {
   kDuplicateKey = 457,       ///< a key that is in use
 };
 
-/// A failure on its way to the handler of the running member. It leaves the library only through a plain property
-/// accessor, which has no handler. A host's own object may throw one to say number and description.
+/// A failure on its way to the handler of the running member. Members of the engine and of the test model report
+/// it and let none out, but for a few plain properties that say so. Forms, LMF models, the DOM and the basic types
+/// have no handler: what they raise reaches a host that calls them. A host's own object may throw one to say
+/// number and description.
 class TORVA35_API Error : public std::exception {
  public:
   /// line: source line of the failing statement, 0 when none is known. source: what raised the failure, for a host

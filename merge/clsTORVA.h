@@ -28,7 +28,7 @@ class TORVA35_API clsTORVA : public Object, public std::enable_shared_from_this<
   Ref<clsTemplate> TemplateIn() const { return templateIn_; }
   void TemplateIn(Ref<clsTemplate> oValue) { templateIn_ = std::move(oValue); }
   /// The merged form; nothing at first. It must hold some form before `Merge`, which empties that object and then
-  /// puts another one here.
+  /// puts another one here. So it is neither the form of `TemplateIn` nor a result that somebody still wants.
   Ref<clsTemplate> TemplateOut() const { return templateOut_; }
   void TemplateOut(Ref<clsTemplate> oValue) { templateOut_ = std::move(oValue); }
   /// The tests: the master test first, then its versions. An empty list at first.
@@ -61,8 +61,8 @@ class TORVA35_API clsTORVA : public Object, public std::enable_shared_from_this<
   bool ValidTestVersions();
 
   /// Position, from 1, among the questions of `MIVLMF`, of the question whose labels are the version identifiers;
-  /// 0 at first. `Merge` lowers it by the questions in front of it that stop being graded, so set it before each
-  /// merge.
+  /// 0 at first. `Merge` lowers it by the questions in front of it that stop being graded, although these stay in
+  /// `MIVLMF`: let the question stand in front of all graded ones, and set this before each merge.
   Long SequenceQuestion() const { return sequenceQuestion_; }
   void SequenceQuestion(Long lValue) { sequenceQuestion_ = lValue; }
 
