@@ -84,7 +84,8 @@ struct DataFile {
   DataFile& operator=(const DataFile&) = delete;
 
   Ref<clsTORVA> engine;
-  String path = FromUtf8(std::filesystem::temp_directory_path() / ("torva35-once-" + std::to_string(getpid())));
+  String path =
+      FromUtf8((std::filesystem::temp_directory_path() / ("torva35-once-" + std::to_string(getpid()))).string());
 };
 
 std::function<void()> Save(const std::string& argument) {
