@@ -102,6 +102,14 @@ struct Collection::Items {
     slots_[gapBegin_++] = {std::move(item), std::move(keyed)};
   }
 
+  // Into an empty list, which is full then.
+  void CopyItems(const Items& from) {
+    const std::size_t count = from.Count();
+    slots_.resize(count);
+    for (std::size_t place = 0; place < count; ++place) slots_[place].item = from.At(place);
+    gapBegin_ = gapEnd_ = count;
+  }
+
   // What is taken out is handed over, so that it is destroyed when the list is whole again.
   Slot Remove(std::size_t place) {
     Slot* slot;
@@ -200,6 +208,14 @@ const TaggedValue* Collection::FindKey(StringView key) const {
   if (items_ == nullptr) return nullptr;
   const Keyed* keyed = items_->FindKey(key);
   return keyed == nullptr ? nullptr : &items_->At(items_->PlaceOf(keyed->slot));
+}
+
+Collection Collection::CopyUnkeyed() const {
+  Collection copy;
+  if (items_ == nullptr) return copy;
+  copy.items_ = std::make_unique<Items>();
+  copy.items_->CopyItems(*items_);
+  return copy;
 }
 
 std::size_t Collection::NeedPlace(const TaggedValue& index, CallSite at) const {

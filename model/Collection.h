@@ -46,6 +46,9 @@ class TORVA35_API Collection {
   /// Likewise, for a key that need not be a String of its own.
   const TaggedValue* FindKey(StringView key) const;
 
+  /// The same items in the same order, without keys.
+  Collection CopyUnkeyed() const;
+
  private:
   struct Items;
   std::size_t NeedPlace(const TaggedValue& index, CallSite at) const;

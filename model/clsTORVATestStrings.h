@@ -62,6 +62,9 @@ class TORVA35_API clsTORVATestStrings : public Object {
   const String* Find(const TaggedValue& Index) const;
 
  private:
+  // Whether the texts joined by TAB and split again are these texts.
+  bool IsWholeAsText() const;
+
   Collection items_;
 };
 
