@@ -21,7 +21,8 @@ constexpr double kGap = 4;            // between two fields
 constexpr double kTitle = 6;          // height of a field's title
 constexpr double kPad = 2;            // between the frame of a field and what it holds
 constexpr double kRow = 6;            // from one question to the next
-constexpr double kNumber = 9;         // width of a question's number
+constexpr double kNumber = 9;         // width of a question's number, at least
+constexpr double kDigit = 2.1;        // width of one of its digits
 constexpr double kBubble = 4.4;       // height of a bubble, and the least width
 constexpr double kPitch = 5.6;        // from one bubble to the next, at least
 constexpr double kLetter = 1.6;       // width of a letter within a bubble
@@ -98,7 +99,9 @@ class Field {
       most_ = std::max(most_, question.labels.size());
       scored_ = scored_ || question.scored;
       // A field with the name of its one question shows the name once.
-      if (question.name != name_) number_ = kNumber;
+      if (question.name != name_) {
+        number_ = std::max({number_, kNumber, kDigit * static_cast<double>(question.name.size()) + 3});
+      }
       for (const String& label : question.labels) longest = std::max(longest, label.size());
     }
     upright_ = !scored_ && most_ > kMostAcross;
