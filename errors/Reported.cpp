@@ -3,6 +3,7 @@
 #include "errors/Caught.h"
 #include "errors/basError.h"
 #include "errors/modStartup.h"
+#include "errors/modvbCodeShieldSupport.h"
 
 namespace TORVA35 {
 
@@ -34,10 +35,8 @@ void ReportCaught(Location where, CallSite member) noexcept {
 }
 
 void StartUp() {
-  static thread_local bool started = false;
-  if (started) return;
-  started = true;
-  modStartup::Main();
+  // Asked for the outcome, so that a start-up for which memory was short is made up for.
+  if (!modvbCodeShieldSupport::IsExceptionFilterInstalled()) modStartup::Main();
 }
 
 }  // namespace TORVA35

@@ -42,6 +42,8 @@ constexpr NamedCode kNames[] = {
     {0xC000013A, u"Control-C Exit"},
 };
 
+thread_local bool installed = false;
+
 String EightHexDigits(std::uint32_t code) {
   String digits(8, u'0');
   for (auto digit = digits.rbegin(); digit != digits.rend(); ++digit, code >>= 4) {
@@ -54,11 +56,14 @@ String EightHexDigits(std::uint32_t code) {
 
 void InstallExceptionFilter() {
   Reported(kInstallExceptionFilter, [] {
-    static thread_local bool installed = false;
     if (installed) return;
     SetUnhandledExceptionFilter(vbcsExceptionFilter);
     installed = true;
   });
+}
+
+bool IsExceptionFilterInstalled() {
+  return installed;
 }
 
 Long vbcsExceptionFilter(ExceptionPointers& pointers) {

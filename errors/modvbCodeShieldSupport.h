@@ -11,6 +11,8 @@ namespace TORVA35::modvbCodeShieldSupport {
 /// Registers `vbcsExceptionFilter` for the process and prepares the calling thread. Does nothing when called again
 /// on the same thread.
 TORVA35_API void InstallExceptionFilter();
+/// Whether it has done so on the calling thread.
+bool IsExceptionFilterInstalled();
 
 /// Raises the failure that stands for a fault. The innermost nested record counts: the description is its code's
 /// name, the number (code And 0x8EF) Or 10000, the source "vbcsExceptionFilter". It does not return.

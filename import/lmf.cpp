@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <limits>
+#include <unordered_map>
 
 #include "base/Arithmetic.h"
 #include "base/Text.h"
@@ -41,15 +42,6 @@ Long KindOf(const clsTORVATestStrings& answers) {
   return TORVATestQuestionTypeMultipleChoice;
 }
 
-// Position of the first answer with exactly this text, or 0.
-Long PositionOf(const clsTORVATestStrings& answers, const String& text) {
-  const Long count = answers.Count();
-  for (Long i = 1; i <= count; ++i) {
-    if (answers.Item(i) == text) return i;
-  }
-  return 0;
-}
-
 // The key is one text of answers, such as "(A,C)". One that is no answer of the question is dropped.
 void ReadAnswerKey(const clsLmfQuestion& from, const clsTORVATestStrings& answers, clsTORVATestCorrect& correct) {
   const Ref<clsLmfStrings> key = from.CorrectLabels();
@@ -57,8 +49,13 @@ void ReadAnswerKey(const clsLmfQuestion& from, const clsTORVATestStrings& answer
   const String text = key->Item(1);
   StringView labels = text;
   if (labels.starts_with(u'(') && labels.ends_with(u')')) labels = labels.substr(1, labels.size() - 2);
+  // The first answer with exactly this text counts. A file may give a question as many as it can hold.
+  std::unordered_map<StringView, Long> positions;
+  const Long count = answers.Count();
+  for (Long i = 1; i <= count; ++i) positions.emplace(Need(answers.Find(i)), i);
   for (const String& label : Split(labels, u",")) {
-    if (const Long position = PositionOf(answers, label)) correct.Add(Narrow<Integer>(position));
+    const auto found = positions.find(label);
+    if (found != positions.end()) correct.Add(Narrow<Integer>(found->second));
   }
 }
 

@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
+#include <utility>
 
 #include "base/Text.h"
 
@@ -23,7 +24,8 @@ std::string Resolved(const std::string& path) {
 
 }  // namespace
 
-FileReplacement::FileReplacement(const String& path) {
+// Through the other constructor, so that the destructor runs when this one is left by an exception.
+FileReplacement::FileReplacement(const String& path) : FileReplacement() {
   // A path cannot hold a NUL; cut off there it would name another file.
   failed_ = path.find(u'\0') != path.npos || !Begin(Resolved(ToUtf8(path)));
 }
@@ -54,9 +56,9 @@ bool FileReplacement::Begin(const std::string& path) {
 bool FileReplacement::Create() {
   static std::atomic<unsigned> count{0};
   do {
-    const std::string name = ".lmf-" + std::to_string(getpid()) + "-" + std::to_string(++count) + ".tmp";
+    std::string name = ".lmf-" + std::to_string(getpid()) + "-" + std::to_string(++count) + ".tmp";
     file_ = openat(folder_, name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-    if (file_ >= 0) temporaryName_ = name;
+    if (file_ >= 0) temporaryName_ = std::move(name);
     // What an ended process of the same number has left stays in its place.
   } while (file_ < 0 && errno == EEXIST);
   return file_ >= 0;

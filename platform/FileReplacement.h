@@ -26,6 +26,7 @@ class FileReplacement {
   bool Commit();
 
  private:
+  FileReplacement() = default;
   bool Begin(const std::string& path);
   bool Create();
 

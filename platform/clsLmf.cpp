@@ -1,5 +1,7 @@
 #include "platform/clsLmf.h"
 
+#include <new>
+
 #include "platform/LmfFile.h"
 
 namespace TORVA35 {
@@ -35,7 +37,11 @@ bool clsLmf::Open(String sPath) {
 }
 
 bool clsLmf::Save(String sPath) const {
-  return WriteLmf(*this, sPath);
+  try {
+    return WriteLmf(*this, sPath);
+  } catch (const std::bad_alloc&) {
+    return false;
+  }
 }
 
 }  // namespace TORVA35

@@ -1,5 +1,7 @@
 #include "platform/clsLmfObjectives.h"
 
+#include <algorithm>
+
 #include "base/Error.h"
 #include "base/Text.h"
 
@@ -12,12 +14,21 @@ const String& NeedKey(const TaggedValue& key, CallSite at) {
   return *text;
 }
 
+// So that the entry itself cannot fail, which must come to all lists or to none.
+template <class T>
+void MakeRoomForOne(std::vector<T>& list) {
+  constexpr std::size_t kFirst = 8;
+  if (list.size() == list.capacity()) list.reserve(std::max(kFirst, 2 * list.size()));
+}
+
 }  // namespace
 
 void clsLmfObjectives::Add(Ref<clsLmfObjective> oObjective, const TaggedValue& Key, CallSite at) {
   Need(oObjective, at);
   std::optional<String> key;
   if (!Key.IsMissing()) key = NeedKey(Key, at);
+  MakeRoomForOne(keys_);
+  MakeRoomForOne(items_);
   if (key && !foldedKeys_.insert(Fold(*key)).second) Raise(kDuplicateKey, at);
   keys_.push_back(std::move(key));
   items_.push_back(std::move(oObjective));
@@ -31,6 +42,8 @@ void clsLmfObjectives::AddBuiltIn() {
   if (hasBuiltIn_) return;
   auto objective = New<clsLmfObjective>();
   objective->Text(u"(All Questions)");
+  MakeRoomForOne(keys_);
+  MakeRoomForOne(items_);
   items_.insert(items_.begin(), std::move(objective));
   keys_.emplace(keys_.begin());
   hasBuiltIn_ = true;
