@@ -20,16 +20,22 @@
 namespace TORVA35 {
 namespace {
 
-constexpr int kChunk = 1 << 16;
+constexpr std::int64_t kChunk = 1 << 16;
+constexpr std::int64_t kLargestChunk = 1 << 28;
 // How many times longer than the file its text may become by entities; small files may always reach 8 MiB.
 constexpr float kMaximumAmplification = 10;
+// How many entities may refer to further ones, and so how deep they nest: the parser expands them by recursion.
+constexpr int kMaximumEntitiesOfEntities = 1000;
 // Offsets into the tree are 32 bits wide.
 constexpr std::size_t kLargest = 0xFFFF0000;
 
-struct TooLarge {};
+// Raised in a callback: the file is refused with this reason.
+struct Refusal {
+  const char16_t* reason;
+};
 
 void NeedRoom(std::size_t size) {
-  if (size > kLargest) throw TooLarge();
+  if (size > kLargest) throw Refusal{u"document too large"};
 }
 
 // Fills the map of a single-byte code page from the system's converter.
@@ -126,6 +132,11 @@ struct XmlReader::Callbacks {
   static void XMLCALL EndCdata(void* data) {
     Run(data, [&](XmlReader& reader) { reader.EndCdata(); });
   }
+  static void XMLCALL EntityDeclaration(void* data, const XML_Char*, int, const XML_Char* value, int length,
+                                        const XML_Char*, const XML_Char*, const XML_Char*, const XML_Char*) {
+    if (value == nullptr) return;  // an external one, which is never opened
+    Run(data, [&](XmlReader& reader) { reader.DeclareEntity({value, static_cast<std::size_t>(length)}); });
+  }
 };
 
 void XmlReader::FreeParser::operator()(XML_ParserStruct* parser) const {
@@ -144,8 +155,8 @@ XmlParseError XmlReader::Read(const String& fileName) {
   StartParser();
   try {
     return ReadAll();
-  } catch (const TooLarge&) {
-    return Stopped(u"document too large");
+  } catch (const Refusal& refusal) {
+    return Stopped(refusal.reason);
   }
 }
 
@@ -157,6 +168,7 @@ void XmlReader::StartParser() {
   XML_SetElementHandler(parser, Callbacks::Start, Callbacks::End);
   XML_SetCharacterDataHandler(parser, Callbacks::Text);
   XML_SetCdataSectionHandler(parser, Callbacks::StartCdata, Callbacks::EndCdata);
+  XML_SetEntityDeclHandler(parser, Callbacks::EntityDeclaration);
   XML_SetUnknownEncodingHandler(parser, UnknownEncoding, nullptr);
   XML_SetBillionLaughsAttackProtectionMaximumAmplification(parser, kMaximumAmplification);
   Append({XmlTree::kDocument, 0, 0, 0, 0, 0});
@@ -164,14 +176,19 @@ void XmlReader::StartParser() {
 }
 
 XmlParseError XmlReader::ReadAll() {
-  for (;;) {
-    void* buffer = XML_GetBuffer(parser_.get(), kChunk);
+  for (std::int64_t sizeRead = 0;;) {
+    // The parser begins an unfinished token anew with each chunk: as much again keeps a long one from taking
+    // quadratic time.
+    const std::int64_t unfinished = sizeRead - XML_GetCurrentByteIndex(parser_.get());
+    const auto chunk = static_cast<int>(std::clamp(unfinished, kChunk, kLargestChunk));
+    void* buffer = XML_GetBuffer(parser_.get(), chunk);
     if (buffer == nullptr) throw std::bad_alloc();
     ssize_t count;
     do {
-      count = read(file_, buffer, kChunk);
+      count = read(file_, buffer, static_cast<std::size_t>(chunk));
     } while (count < 0 && errno == EINTR);
     if (count < 0) return Unreadable(errno);
+    sizeRead += count;
     const auto size = static_cast<std::size_t>(count);
     const std::size_t good = surrogates_.Accept({static_cast<const char*>(buffer), size});
     const XML_Status status = XML_ParseBuffer(parser_.get(), static_cast<int>(good), count == 0);
@@ -241,6 +258,12 @@ void XmlReader::EndCdata() {
   Append({XmlTree::kCdata, 0, 0, static_cast<std::uint32_t>(tree_.attributes.size()),
           static_cast<std::uint32_t>(textBegin_), static_cast<std::uint32_t>(tree_.text.size())});
   textBegin_ = tree_.text.size();
+}
+
+void XmlReader::DeclareEntity(std::string_view value) {
+  if (value.find('&') != value.npos && ++entitiesOfEntities_ > kMaximumEntitiesOfEntities) {
+    throw Refusal{u"too many entities that refer to others"};
+  }
 }
 
 // Hangs the node behind its elder siblings.

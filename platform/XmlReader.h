@@ -50,6 +50,7 @@ struct XmlReader {
   void Characters(std::string_view characters);
   void BeginCdata();
   void EndCdata();
+  void DeclareEntity(std::string_view value);
   void FlushText();
   void Append(XmlNode node);
   XmlParseError Stopped(String reason) const;
@@ -63,6 +64,7 @@ struct XmlReader {
     std::uint32_t lastChild;  // 0 while it has none
   };
   std::vector<Open> open_;      // from the document down to the element that is being read
+  int entitiesOfEntities_ = 0;  // declared so far
   std::size_t textBegin_ = 0;   // where the text that is being collected begins
   std::exception_ptr failure_;  // raised in a callback, thrown again behind the parser's frames
   SurrogateCheck surrogates_;
