@@ -41,6 +41,12 @@ Ref<Object>& goErr() {
   return ThreadOwned(slot);
 }
 
+bool ReplaceErrorObject(Ref<Object> oErr) {
+  goErr().swap(oErr);
+  oErr.reset();
+  return goErr() != nullptr;
+}
+
 Integer ReportError(Long lLine, TaggedValue vNumber, Long lArgument3, String sDescription, String sLocation,
                     String sArgument6, String sArgument7, String sArgument8, String sArgument9, Long lArgument10,
                     String sArgument11, String sArgument12, String sArgument13, bool bArgument14) noexcept {

@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <limits>
+#include <typeinfo>
 #include <unordered_map>
 
 #include "base/Arithmetic.h"
@@ -59,23 +60,38 @@ void ReadAnswerKey(const clsLmfQuestion& from, const clsTORVATestStrings& answer
   }
 }
 
+// Position of the next True flag behind k, at most `count`, or 0. A flag that is missing up to there is raised.
+Long NextTrue(const clsLmfObjectiveFlags& flags, Long k, Long count, CallSite at = CallSite::Current()) {
+  // A host's own flags are asked one by one, ours as packed bits.
+  if (typeid(flags) != typeid(clsLmfObjectiveFlags)) {
+    while (++k <= count) {
+      if (Need(flags.Item(k, at), at).Value()) return k;
+    }
+    return 0;
+  }
+  k = flags.NextTrue(k);
+  if (k != 0 && k <= count) return k;
+  if (flags.Count() < count) Raise(kSubscriptOutOfRange, at);
+  return 0;
+}
+
 // The first objective of a file is the built-in one, which is never taken over.
 void ReadObjectives(const clsLmfQuestion& from, const clsLmfObjectives& all, clsTORVATestStrings& objectives) {
   const Ref<clsLmfObjectiveFlags> flags = from.ObjectiveFlags();
   const Long count = all.Count();
   if (count < 2) return;
-  for (Long k = Need(flags).NextTrue(1); k != 0 && k <= count; k = flags->NextTrue(k)) {
+  for (Long k = NextTrue(Need(flags), 1, count); k != 0; k = NextTrue(*flags, k, count)) {
     const String text(Trim(Need(all.Item(k)).Text()));
     if (!objectives.Exists(text)) objectives.Add(text, text);
   }
-  if (flags->Count() < count) Raise(kSubscriptOutOfRange);
 }
 
 Ref<clsTORVATestQuestion> ReadQuestion(const clsLmfQuestion& from, Long position,
                                        const clsLmfObjectives& objectives) {
   auto question = New<clsTORVATestQuestion>();
   clsTORVATestStrings& answers = Need(question->Answers());
-  if (Need(from.Labels()).Count() > 0) answers.AddArray(from.Labels()->AsArray());
+  const Ref<clsLmfStrings> labels = from.Labels();
+  if (Need(labels).Count() > 0) answers.AddArray(labels->AsArray());
   question->CorrectAnd(from.CorrectAnd());
   question->CorrectPoints(ToSingle(from.CorrectPoints()));
   question->Difficulty(from.Difficulty());
@@ -135,10 +151,10 @@ void ReadVersions(const clsLmfVersions& from, clsTORVATest& test) {
 void ReadScale(const clsTORVATestQuestions& questions, bool odd, const Ref<clsTORVATestStrings>& scale) {
   const Long count = questions.Count();
   for (Long i = odd ? 1 : 2; i <= count; i += 2) {
-    const clsTORVATestQuestion& question = Need(questions.Find(i));
-    if (question.QuestionType() != TORVATestQuestionTypeMultipleChoice) continue;
+    const Ref<clsTORVATestQuestion> question = questions.Find(i);
+    if (Need(question).QuestionType() != TORVATestQuestionTypeMultipleChoice) continue;
     Need(scale).RemoveAll();
-    scale->AddArray(Need(question.Answers()).AsArray(1));
+    scale->AddArray(Need(question->Answers()).AsArray(1));
     return;
   }
 }

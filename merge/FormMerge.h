@@ -39,7 +39,7 @@ class FormMerge {
   void AddFlags(clsLmfQuestion& output);
   void MarkObjectives(const clsTORVATestQuestion& question, clsLmfQuestion& output);
   void FindObjectives();
-  const clsTORVATestQuestion& NextTestQuestion(CallSite at = CallSite::Current());
+  Ref<clsTORVATestQuestion> NextTestQuestion(CallSite at = CallSite::Current());
   String NextName(CallSite at = CallSite::Current());
 
   clsTORVA& engine_;

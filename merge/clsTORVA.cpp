@@ -31,8 +31,7 @@ clsTORVA::~clsTORVA() {
 
 bool clsTORVA::SetError(const Ref<Object>& oErr) {
   return Reported(kSetError, false, [&](bool& result) {
-    basError::goErr() = oErr;
-    result = oErr != nullptr;
+    result = basError::ReplaceErrorObject(oErr);
   });
 }
 

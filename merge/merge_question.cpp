@@ -55,11 +55,16 @@ void FormMerge::CopyFromForm(const clsTemplateField& field, const clsTemplateQue
 
 bool FormMerge::TakeTestQuestion(const clsTemplateField& field, clsTemplateQuestion& formQuestion,
                                  clsLmfQuestion& output) {
-  const clsTORVATestQuestion& question = NextTestQuestion();
+  // Held, as what follows may report, and a host may then take the question out of the test.
+  const Ref<clsTORVATestQuestion> held = NextTestQuestion();
+  const clsTORVATestQuestion& question = *held;
   questionPositions_.Add(outputPosition_, question.ID());
   if (Need(question.Answers()).Count() > Need(formQuestion.Labels()).Count()) {
-    engine_.Tell(u"Invalid Merge", kTooManyAnswers + String(kBlankLine) + u"\tTemplate Field: " + field.Name() +
-                                       kLine + u"\tTest Question ID: " + question.ID());
+    // The name of the field is a host's to give, and only asked for when it is shown.
+    if (engine_.Verbose()) {
+      engine_.Tell(u"Invalid Merge", kTooManyAnswers + String(kBlankLine) + u"\tTemplate Field: " + field.Name() +
+                                         kLine + u"\tTest Question ID: " + question.ID());
+    }
     return false;
   }
   Need(output.CorrectValues()).Add(test_.CorrectAnswersAsString(testPosition_, u",", true, true));
@@ -130,9 +135,11 @@ void FormMerge::MarkObjectives(const clsTORVATestQuestion& question, clsLmfQuest
   }
 }
 
-const clsTORVATestQuestion& FormMerge::NextTestQuestion(CallSite at) {
+Ref<clsTORVATestQuestion> FormMerge::NextTestQuestion(CallSite at) {
   testPosition_ = CheckedAdd(testPosition_, 1, at);
-  return Need(Need(test_.Questions(), at).Find(testPosition_), at);
+  Ref<clsTORVATestQuestion> question = Need(test_.Questions(), at).Find(testPosition_);
+  Need(question, at);
+  return question;
 }
 
 String FormMerge::NextName(CallSite at) {

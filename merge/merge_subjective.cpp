@@ -6,7 +6,8 @@
 namespace TORVA35 {
 
 void FormMerge::MergeSubjective(Long k) {
-  const clsTORVATestQuestion& question = NextTestQuestion();
+  const Ref<clsTORVATestQuestion> held = NextTestQuestion();
+  const clsTORVATestQuestion& question = *held;
   const String name = u"Subjective" + Decimal(k);
 
   const auto field = New<clsTemplateField>();

@@ -2,6 +2,7 @@
 
 #include <vector>
 
+#include "base/Arithmetic.h"
 #include "base/Text.h"
 #include "errors/Reported.h"
 #include "merge/Dialogs.h"
@@ -86,7 +87,8 @@ bool clsTORVA::RemoveInvalid(Long lMaxQuestions) {
       Long overLimit = 0;
       if (lMaxQuestions > 0) {
         const Long total = questions->Count();
-        for (Long i = total; i > lMaxQuestions; --i, ++overLimit) questions->Remove(i);
+        const Long firstBehind = CheckedAdd(lMaxQuestions, 1);
+        for (Long i = total; i >= firstBehind; --i, ++overLimit) questions->Remove(i);
         if (overLimit > 0) {
           Tell(u"Maximum Number of Questions", kTooMany + String(kBlankLine) + u"Number of Supported Questions: " +
                                                    Decimal(lMaxQuestions) + kBlankLine +

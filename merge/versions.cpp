@@ -63,11 +63,12 @@ const char16_t* Difference(clsTORVATestQuestions& questions, clsTORVATestQuestio
   if (others.Count() != questions.Count()) return kCountDiffers;
   const Long count = questions.Count();
   for (Long i = 1; i <= count; ++i) {
-    const clsTORVATestQuestion& question = Need(questions.Find(i));
-    if (!others.Exists(question.ID())) return kQuestionMissing;
-    const clsTORVATestQuestion& other = Need(others.Find(question.ID()));
-    if (Need(other.Answers()).Count() != Need(question.Answers()).Count()) return kAnswersDiffer;
-    if (AnswerKey(other) != AnswerKey(question)) return kKeyDiffers;
+    // Held, as a key may report, and a host may then take the questions out.
+    const Ref<clsTORVATestQuestion> question = questions.Find(i);
+    if (!others.Exists(Need(question).ID())) return kQuestionMissing;
+    const Ref<clsTORVATestQuestion> other = others.Find(question->ID());
+    if (Need(Need(other).Answers()).Count() != Need(question->Answers()).Count()) return kAnswersDiffer;
+    if (AnswerKey(*other) != AnswerKey(*question)) return kKeyDiffers;
   }
   return nullptr;
 }
@@ -95,22 +96,22 @@ bool clsTORVATest::AddSequence(const Ref<clsTORVATest>& oTestVersion) {
     const auto version = New<clsTORVATestSequence>();
     version->Answer(name);
     for (Long i = 1; i <= count; ++i) {
-      const clsTORVATestQuestion& other = Need(others->Find(i));
-      if (!questions_->Exists(other.ID())) {
-        ShowDialog(u"Invalid Question", kQuestionUnknown + String(kBlankLine) + QuestionFigures(other), *this);
+      const Ref<clsTORVATestQuestion> other = others->Find(i);
+      if (!questions_->Exists(Need(other).ID())) {
+        ShowDialog(u"Invalid Question", kQuestionUnknown + String(kBlankLine) + QuestionFigures(*other), *this);
         return;
       }
-      const clsTORVATestQuestion& own = Need(questions_->Find(other.ID()));
-      if (AnswerKey(own) != AnswerKey(other)) {
-        ShowDialog(u"Invalid Question", kChoicesScrambled + String(kBlankLine) + QuestionFigures(other), *this);
+      const Ref<clsTORVATestQuestion> own = questions_->Find(other->ID());
+      if (AnswerKey(Need(own)) != AnswerKey(*other)) {
+        ShowDialog(u"Invalid Question", kChoicesScrambled + String(kBlankLine) + QuestionFigures(*other), *this);
         return;
       }
       // Both are questions of this test: the one that moved here, and the one that stood here.
-      if (own.QuestionType() != Need(questions_->Find(i)).QuestionType()) {
+      if (own->QuestionType() != Need(questions_->Find(i)).QuestionType()) {
         ShowDialog(u"Scrambled Sections", kTypesScrambled, *this);
         return;
       }
-      Need(version->Order()).Add(other.ID());
+      Need(version->Order()).Add(other->ID());
     }
     result = Need(sequences_).Add(version);
   });

@@ -35,8 +35,7 @@ Long clsTORVATest::NumObjectives() const {
     Long sum = 0;
     const Long count = Need(questions_).Count();
     for (Long i = 1; i <= count; ++i) {
-      const clsTORVATestQuestion& question = Need(Need(questions_).Find(i));
-      sum = CheckedAdd(sum, Need(question.LearningObjectives()).Count());
+      sum = CheckedAdd(sum, Need(Need(Need(questions_).Find(i)).LearningObjectives()).Count());
     }
     result = sum;
   });
@@ -55,8 +54,7 @@ void clsTORVATest::Clear() {
 
 bool clsTORVATest::SetError(const Ref<Object>& oErr) {
   return Reported(kSetError, false, [&](bool& result) {
-    basError::goErr() = oErr;
-    result = basError::goErr() != nullptr;
+    result = basError::ReplaceErrorObject(oErr);
   });
 }
 

@@ -52,13 +52,12 @@ bool clsTORVATestQuestions::RemoveAll() {
 
 Ref<clsTORVATestQuestion> clsTORVATestQuestions::Item(const TaggedValue& Index) const {
   return Reported(kItem, Ref<clsTORVATestQuestion>(), [&](Ref<clsTORVATestQuestion>& result) {
-    const TaggedValue* item = items_.Find(Index);
-    if (item != nullptr) result = std::static_pointer_cast<clsTORVATestQuestion>(*item->As<Ref<Object>>());
+    result = Find(Index);
   });
 }
 
 bool clsTORVATestQuestions::Exists(const TaggedValue& Index) const {
-  return Silently(false, [&](bool& result) { result = Find(Index) != nullptr; });
+  return Silently(false, [&](bool& result) { result = items_.Find(Index) != nullptr; });
 }
 
 Long clsTORVATestQuestions::TypeCount(Long eQuestionType) const {
@@ -72,9 +71,10 @@ Long clsTORVATestQuestions::TypeCount(Long eQuestionType) const {
   });
 }
 
-clsTORVATestQuestion* clsTORVATestQuestions::Find(const TaggedValue& Index) const {
+Ref<clsTORVATestQuestion> clsTORVATestQuestions::Find(const TaggedValue& Index) const {
   const TaggedValue* item = items_.Find(Index);
-  return item == nullptr ? nullptr : static_cast<clsTORVATestQuestion*>(item->As<Ref<Object>>()->get());
+  if (item == nullptr) return nullptr;
+  return std::static_pointer_cast<clsTORVATestQuestion>(*item->As<Ref<Object>>());
 }
 
 Long clsTORVATestQuestions::PositionOfID(StringView sID) const {

@@ -44,9 +44,8 @@ class TORVA35_API clsTORVATestQuestions : public Object {
   /// How many questions are of this kind.
   Long TypeCount(Long eQuestionType) const;
 
-  /// The question without a reference of its own, or null when there is none. Valid while something else, such as
-  /// this list, holds the question.
-  clsTORVATestQuestion* Find(const TaggedValue& Index) const;
+  /// As `Item`, for the library itself: without a boundary of its own.
+  Ref<clsTORVATestQuestion> Find(const TaggedValue& Index) const;
 
   /// Position of the first question whose `ID` is now exactly this one, or 0. It need not be filed under that ID.
   Long PositionOfID(StringView sID) const;

@@ -45,7 +45,9 @@ Ref<clsTORVATestStrings> clsTORVATest::QuestionScale(const TaggedValue& vQuestio
                                                      const TaggedValue& vIsOddOverride) const {
   return Reported(kQuestionScale, Ref<clsTORVATestStrings>(), [&](Ref<clsTORVATestStrings>& result) {
     if (!Need(questions_).Exists(vQuestionIndex)) return;
-    const clsTORVATestQuestion& question = Need(Need(questions_).Find(vQuestionIndex));
+    // Held, as what it asks of others may report, and a host may then take the question out.
+    const Ref<clsTORVATestQuestion> held = Need(questions_).Find(vQuestionIndex);
+    const clsTORVATestQuestion& question = Need(held);
     switch (question.QuestionType()) {
       case TORVATestQuestionTypeTrueFalse:
         result = Need(trueFalseScale_).Copy();

@@ -104,6 +104,8 @@ TEST_F(RemoveInvalid, FailuresAreReported) {
   EXPECT_TRUE(engine->RemoveInvalid());
   EXPECT_EQ(TakeFailures(), (Failures{{91, u"TORVA35 - clsTORVATestQuestions.Remove"}}));
   EXPECT_EQ(test->Questions()->Count(), 2);
+  EXPECT_FALSE(engine->RemoveInvalid(2'147'483'647));
+  EXPECT_EQ(TakeFailures().back(), (Failure{6, u"TORVA35 - clsTORVA.RemoveInvalid"}));
   test->Questions(nullptr);
   EXPECT_FALSE(engine->RemoveInvalid());
   EXPECT_EQ(TakeFailures(), (Failures{{91, u"TORVA35 - clsTORVA.RemoveInvalid"}}));
