@@ -39,9 +39,10 @@ class TORVA35_API clsTORVA : public Object, public std::enable_shared_from_this<
   void MIVLMF(Ref<clsLmf> oValue) { lmf_ = std::move(oValue); }
 
   /// Takes out of every test, in place, the questions that a form cannot grade (all but true/false, yes/no,
-  /// multiple choice and subjective ones), and those behind the first lMaxQuestions when that is above 0; the largest
-  /// Long is reported as an overflow. A test that lost a question is left with one version, the default one, under the test's `Version`. Returns False
-  /// when a test has no question left, or on a failure; later tests are then as they were.
+  /// multiple choice and subjective ones), and those behind the first lMaxQuestions when that is above 0. A test
+  /// that lost a question is left with one version, the default one, under the test's `Version`. Returns False
+  /// when a test has no question left, or on a failure (as for a lMaxQuestions of 2147483647, which overflows);
+  /// later tests are then as they were.
   bool RemoveInvalid(Long lMaxQuestions = 0);
 
   /// Merges the first test into a copy of `TemplateIn`, by position: the first graded question of the form takes
