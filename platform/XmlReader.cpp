@@ -21,15 +21,26 @@ namespace TORVA35 {
 namespace {
 
 constexpr int kChunk = 1 << 16;
-// How many times longer than the file its text may become by entities; small files may always reach 8 MiB.
-constexpr float kMaximumAmplification = 10;
+// How many times longer than the file its text may become by entities, and its attributes by the values that are
+// declared for them; small files may always reach 8 MiB. The parser itself watches over the entities only.
+constexpr int kMaximumAmplification = 10;
+constexpr std::uint64_t kAlwaysAllowed = 8 << 20;
+// Entities and attributes that a document may declare. The parser calls itself for an entity within an entity, and
+// at every element goes through all attributes that are declared for it.
+constexpr int kMostDeclared = 10'000;
 // Offsets into the tree are 32 bits wide.
 constexpr std::size_t kLargest = 0xFFFF0000;
 
-struct TooLarge {};
+// Why a document is not read to its end, though the parser finds no fault with it.
+struct Refusal {
+  const char16_t* reason;
+};
+constexpr Refusal kTooLarge{u"document too large"};
+constexpr Refusal kTooManyDeclared{u"too many declarations"};
+constexpr Refusal kTooMuchDefaulted{u"too much from declared attributes"};
 
 void NeedRoom(std::size_t size) {
-  if (size > kLargest) throw TooLarge();
+  if (size > kLargest) throw kTooLarge;
 }
 
 // Fills the map of a single-byte code page from the system's converter.
@@ -126,6 +137,14 @@ struct XmlReader::Callbacks {
   static void XMLCALL EndCdata(void* data) {
     Run(data, [&](XmlReader& reader) { reader.EndCdata(); });
   }
+  static void XMLCALL Attribute(void* data, const XML_Char*, const XML_Char*, const XML_Char*, const XML_Char*,
+                                int) {
+    Run(data, [&](XmlReader& reader) { reader.Declare(); });
+  }
+  static void XMLCALL Entity(void* data, const XML_Char*, int, const XML_Char*, int, const XML_Char*,
+                             const XML_Char*, const XML_Char*, const XML_Char*) {
+    Run(data, [&](XmlReader& reader) { reader.Declare(); });
+  }
 };
 
 void XmlReader::FreeParser::operator()(XML_ParserStruct* parser) const {
@@ -144,8 +163,8 @@ XmlParseError XmlReader::Read(const String& fileName) {
   StartParser();
   try {
     return ReadAll();
-  } catch (const TooLarge&) {
-    return Stopped(u"document too large");
+  } catch (const Refusal& refusal) {
+    return Stopped(refusal.reason);
   }
 }
 
@@ -157,8 +176,11 @@ void XmlReader::StartParser() {
   XML_SetElementHandler(parser, Callbacks::Start, Callbacks::End);
   XML_SetCharacterDataHandler(parser, Callbacks::Text);
   XML_SetCdataSectionHandler(parser, Callbacks::StartCdata, Callbacks::EndCdata);
+  XML_SetAttlistDeclHandler(parser, Callbacks::Attribute);
+  XML_SetEntityDeclHandler(parser, Callbacks::Entity);
   XML_SetUnknownEncodingHandler(parser, UnknownEncoding, nullptr);
   XML_SetBillionLaughsAttackProtectionMaximumAmplification(parser, kMaximumAmplification);
+  XML_SetBillionLaughsAttackProtectionActivationThreshold(parser, kAlwaysAllowed);
   Append({XmlTree::kDocument, 0, 0, 0, 0, 0});
   open_.push_back({0, 0});
 }
@@ -173,6 +195,7 @@ XmlParseError XmlReader::ReadAll() {
     } while (count < 0 && errno == EINTR);
     if (count < 0) return Unreadable(errno);
     const auto size = static_cast<std::size_t>(count);
+    bytesRead_ += size;
     const std::size_t good = surrogates_.Accept({static_cast<const char*>(buffer), size});
     const XML_Status status = XML_ParseBuffer(parser_.get(), static_cast<int>(good), count == 0);
     if (failure_) std::rethrow_exception(failure_);
@@ -202,13 +225,25 @@ void XmlReader::BeginElement(std::string_view name, const char** attributes) {
   const auto text = static_cast<std::uint32_t>(tree_.text.size());
   Append({tree_.Intern(name), 0, 0, static_cast<std::uint32_t>(tree_.attributes.size()), text, text});
   open_.push_back({static_cast<std::uint32_t>(tree_.nodes.size() - 1), 0});
+  const char** const defaults = attributes + XML_GetSpecifiedAttributeCount(parser_.get());
   for (; *attributes != nullptr; attributes += 2) {
+    if (attributes >= defaults) AllowDefault(attributes[0], attributes[1]);
     const auto begin = static_cast<std::uint32_t>(tree_.values.size());
     tree_.values.append(attributes[1]);
     NeedRoom(tree_.values.size());
     tree_.attributes.push_back(
         {tree_.Intern(attributes[0]), begin, static_cast<std::uint32_t>(tree_.values.size())});
   }
+}
+
+// Counts the attribute at the length that it would have in the file, so that many empty ones count, too.
+void XmlReader::AllowDefault(std::string_view name, std::string_view value) {
+  defaultBytes_ += name.size() + value.size() + std::string_view(" =''").size();
+  if (defaultBytes_ > std::max(kAlwaysAllowed, kMaximumAmplification * bytesRead_)) throw kTooMuchDefaulted;
+}
+
+void XmlReader::Declare() {
+  if (++declared_ > kMostDeclared) throw kTooManyDeclared;
 }
 
 void XmlReader::EndElement() {

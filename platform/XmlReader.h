@@ -46,6 +46,8 @@ struct XmlReader {
   void StartParser();
   XmlParseError ReadAll();
   void BeginElement(std::string_view name, const char** attributes);
+  void AllowDefault(std::string_view name, std::string_view value);
+  void Declare();
   void EndElement();
   void Characters(std::string_view characters);
   void BeginCdata();
@@ -66,6 +68,9 @@ struct XmlReader {
   std::size_t textBegin_ = 0;   // where the text that is being collected begins
   std::exception_ptr failure_;  // raised in a callback, thrown again behind the parser's frames
   SurrogateCheck surrogates_;
+  std::uint64_t bytesRead_ = 0;
+  std::uint64_t defaultBytes_ = 0;  // of attributes that stand in no tag
+  int declared_ = 0;
 };
 
 }  // namespace TORVA35
