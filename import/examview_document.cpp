@@ -4,6 +4,7 @@
 #include "errors/Reported.h"
 #include "errors/basError.h"
 #include "import/ExamViewNames.h"
+#include "import/TextAllowance.h"
 #include "model/clsTORVATest.h"
 #include "platform/DOMDocument.h"
 
@@ -63,9 +64,10 @@ bool clsTORVATest::LoadXML(const String& sExamViewXMLFile, bool bOddDistractorsO
       if (headers.get_length() > 0) ReadHeader(headers.get_item(0), *this);
 
       ExamViewNames names;
+      TextAllowance texts(document);
       const IXMLDOMNodeList questions = document.getElementsByTagName(u"question");
       const Long count = questions.get_length();
-      for (Long i = 0; i < count; ++i) AddXMLQuestion(questions.get_item(i), partialCredit, names);
+      for (Long i = 0; i < count; ++i) AddXMLQuestion(questions.get_item(i), partialCredit, names, texts);
 
       IXMLDOMNodeList sequences = document.getElementsByTagName(u"mc-choice-sequence");
       if (sequences.get_length() > 0) PopulateMultipleChoiceScales(sequences.nextNode(), bOddDistractorsOnly);

@@ -6,6 +6,7 @@
 #include "base/Text.h"
 #include "errors/Reported.h"
 #include "import/ExamViewNames.h"
+#include "import/TextAllowance.h"
 #include "model/clsTORVATest.h"
 #include "platform/DOMDocument.h"
 
@@ -41,8 +42,8 @@ String Trimmed(String text) {
 class QuestionReader {
  public:
   QuestionReader(const clsTORVATest& test, clsTORVATestQuestion& question, bool& partialCredit,
-                 ExamViewNames& names)
-      : test_(test), question_(question), partialCredit_(partialCredit), names_(names) {}
+                 ExamViewNames& names, TextAllowance& texts)
+      : test_(test), question_(question), partialCredit_(partialCredit), names_(names), texts_(texts) {}
 
   void ReadAttributes(const IXMLDOMNode& element) {
     const IXMLDOMNamedNodeMap attributes = element.get_attributes();
@@ -80,19 +81,19 @@ class QuestionReader {
   void ReadInfo(const IXMLDOMNode& child) {
     switch (names_.Whole(child)) {
       case ExamViewName::kDifficulty:
-        return question_.Difficulty(child.Text());
+        return question_.Difficulty(texts_.Take(child));
       case ExamViewName::kKeywords:
-        return question_.Keywords(child.Text());
+        return question_.Keywords(texts_.Take(child));
       case ExamViewName::kMiscellaneous:
-        return question_.Miscellaneous(child.Text());
+        return question_.Miscellaneous(texts_.Take(child));
       case ExamViewName::kNotes:
-        return question_.Notes(child.Text());
+        return question_.Notes(texts_.Take(child));
       case ExamViewName::kPoints:
         return ReadPoints(child);
       case ExamViewName::kReference:
-        return question_.Reference(child.Text());
+        return question_.Reference(texts_.Take(child));
       case ExamViewName::kTopic:
-        return question_.Topic(child.Text());
+        return question_.Topic(texts_.Take(child));
       case ExamViewName::kTextObjective:
         return ReadObjectives(child, TORVATestImportObjectivesLearning);
       case ExamViewName::kLocalStandard:
@@ -126,7 +127,7 @@ class QuestionReader {
 
   void ReadPoints(const IXMLDOMNode& element) {
     question_.CorrectAnd(true);
-    question_.CorrectPoints(LeadingNumber(element.Text()));
+    question_.CorrectPoints(LeadingNumber(texts_.Take(element)));
     const IXMLDOMNode method = element.get_attributes().getNamedItem(u"scoring-method");
     if (method && EqualNoCase(method.Text(), u"RightLessWrong")) partialCredit_ = true;
   }
@@ -134,19 +135,19 @@ class QuestionReader {
   bool Imports(Long flag) const { return (test_.ImportObjectives() & flag) != 0; }
 
   void ReadObjectives(const IXMLDOMNode& element, Long flag) {
-    if (Imports(flag)) AddObjectives(element.Text());
+    if (Imports(flag)) AddObjectives(texts_.Take(element));
   }
 
   void ReadStateObjectives(const IXMLDOMNode& element) {
     if (!Imports(TORVATestImportObjectivesState)) return;
     const IXMLDOMNamedNodeMap attributes = element.get_attributes();
     const Long count = attributes.get_length();
-    if (count == 0) AddObjectives(element.Text());
+    if (count == 0) AddObjectives(texts_.Take(element));
     for (Long i = 0; i < count; ++i) {
       const IXMLDOMNode attribute = attributes.get_item(i);
       if (EqualNoCase(attribute.get_nodeName(), u"state") &&
           EqualNoCase(attribute.Text(), test_.StateAbbreviation())) {
-        AddObjectives(element.Text());
+        AddObjectives(texts_.Take(element));
       }
     }
   }
@@ -163,14 +164,16 @@ class QuestionReader {
   clsTORVATestQuestion& question_;
   bool& partialCredit_;
   ExamViewNames& names_;
+  TextAllowance& texts_;
 };
 
 }  // namespace
 
-bool clsTORVATest::AddXMLQuestion(const IXMLDOMNode& oNode, bool& bPartialCredit, ExamViewNames& names) {
+bool clsTORVATest::AddXMLQuestion(const IXMLDOMNode& oNode, bool& bPartialCredit, ExamViewNames& names,
+                                  TextAllowance& texts) {
   return Reported(kAddXMLQuestion, false, [&](bool& result) {
     const auto question = New<clsTORVATestQuestion>();
-    QuestionReader reader(*this, *question, bPartialCredit, names);
+    QuestionReader reader(*this, *question, bPartialCredit, names, texts);
     reader.ReadAttributes(oNode);
     for (IXMLDOMNode child = oNode.FirstChild(); child; child = child.NextSibling()) {
       switch (names.Whole(child)) {
@@ -183,7 +186,7 @@ bool clsTORVATest::AddXMLQuestion(const IXMLDOMNode& oNode, bool& bPartialCredit
           }
           break;
         case ExamViewName::kAnswer:
-          reader.ReadAnswer(child.Text());
+          reader.ReadAnswer(texts.Take(child));
           break;
         case ExamViewName::kBiDisplayMode:
           reader.ReadDisplayMode(child);

@@ -17,6 +17,7 @@ namespace TORVA35 {
 
 class ExamViewNames;
 class IXMLDOMNode;
+class TextAllowance;
 
 /// Where a test came from. A property of this type takes any Long.
 enum TORVATestSourceType : Long {
@@ -162,7 +163,7 @@ class TORVA35_API clsTORVATest : public Object, public std::enable_shared_from_t
   Array<String> CorrectAnswersAsArray(const TaggedValue& vQuestionIndex, bool bAsString = false) const;
 
  private:
-  bool AddXMLQuestion(const IXMLDOMNode& oNode, bool& bPartialCredit, ExamViewNames& names);
+  bool AddXMLQuestion(const IXMLDOMNode& oNode, bool& bPartialCredit, ExamViewNames& names, TextAllowance& texts);
   String NodeText(const IXMLDOMNode& oNode, ExamViewNames& names) const;
   bool PopulateMultipleChoiceScales(const IXMLDOMNode& oNode, bool bOddDistractorsOnly);
   bool TrimScales();

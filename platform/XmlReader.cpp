@@ -22,20 +22,29 @@ namespace {
 
 constexpr std::int64_t kChunk = 1 << 16;
 constexpr std::int64_t kLargestChunk = 1 << 28;
-// How many times longer than the file its text may become by entities; small files may always reach 8 MiB.
-constexpr float kMaximumAmplification = 10;
-// How many entities may refer to further ones, and so how deep they nest: the parser expands them by recursion.
-constexpr int kMaximumEntitiesOfEntities = 1000;
+// How many times longer than the file its text may become by entities, and its attributes by the values that are
+// declared for them; small files may always reach 8 MiB. The parser itself watches over the entities only.
+constexpr int kMaximumAmplification = 10;
+constexpr std::int64_t kAlwaysAllowed = 8 << 20;
+// Entities and attributes that a document may declare: at every element the parser goes through all attributes that
+// are declared for it.
+constexpr int kMostDeclared = 10'000;
+// How many of the entities may refer to others, and so how deep they nest: the parser calls itself for each level.
+constexpr int kMostNested = 1'000;
 // Offsets into the tree are 32 bits wide.
 constexpr std::size_t kLargest = 0xFFFF0000;
 
-// Raised in a callback: the file is refused with this reason.
+// Why a document is not read to its end, though the parser finds no fault with it.
 struct Refusal {
   const char16_t* reason;
 };
+constexpr Refusal kTooLarge{u"document too large"};
+constexpr Refusal kTooManyDeclared{u"too many declarations"};
+constexpr Refusal kTooManyNested{u"too many entities that refer to others"};
+constexpr Refusal kTooMuchDefaulted{u"too much from declared attributes"};
 
 void NeedRoom(std::size_t size) {
-  if (size > kLargest) throw Refusal{u"document too large"};
+  if (size > kLargest) throw kTooLarge;
 }
 
 // Fills the map of a single-byte code page from the system's converter.
@@ -132,9 +141,13 @@ struct XmlReader::Callbacks {
   static void XMLCALL EndCdata(void* data) {
     Run(data, [&](XmlReader& reader) { reader.EndCdata(); });
   }
-  static void XMLCALL EntityDeclaration(void* data, const XML_Char*, int, const XML_Char* value, int length,
-                                        const XML_Char*, const XML_Char*, const XML_Char*, const XML_Char*) {
-    if (value == nullptr) return;  // an external one, which is never opened
+  static void XMLCALL Attribute(void* data, const XML_Char*, const XML_Char*, const XML_Char*, const XML_Char*,
+                                int) {
+    Run(data, [&](XmlReader& reader) { reader.Declare(); });
+  }
+  static void XMLCALL Entity(void* data, const XML_Char*, int, const XML_Char* value, int length, const XML_Char*,
+                             const XML_Char*, const XML_Char*, const XML_Char*) {
+    // An external one has no value, and is never opened.
     Run(data, [&](XmlReader& reader) { reader.DeclareEntity({value, static_cast<std::size_t>(length)}); });
   }
 };
@@ -168,18 +181,20 @@ void XmlReader::StartParser() {
   XML_SetElementHandler(parser, Callbacks::Start, Callbacks::End);
   XML_SetCharacterDataHandler(parser, Callbacks::Text);
   XML_SetCdataSectionHandler(parser, Callbacks::StartCdata, Callbacks::EndCdata);
-  XML_SetEntityDeclHandler(parser, Callbacks::EntityDeclaration);
+  XML_SetAttlistDeclHandler(parser, Callbacks::Attribute);
+  XML_SetEntityDeclHandler(parser, Callbacks::Entity);
   XML_SetUnknownEncodingHandler(parser, UnknownEncoding, nullptr);
   XML_SetBillionLaughsAttackProtectionMaximumAmplification(parser, kMaximumAmplification);
+  XML_SetBillionLaughsAttackProtectionActivationThreshold(parser, kAlwaysAllowed);
   Append({XmlTree::kDocument, 0, 0, 0, 0, 0});
   open_.push_back({0, 0});
 }
 
 XmlParseError XmlReader::ReadAll() {
-  for (std::int64_t sizeRead = 0;;) {
+  for (;;) {
     // The parser begins an unfinished token anew with each chunk: as much again keeps a long one from taking
     // quadratic time.
-    const std::int64_t unfinished = sizeRead - XML_GetCurrentByteIndex(parser_.get());
+    const std::int64_t unfinished = bytesRead_ - XML_GetCurrentByteIndex(parser_.get());
     const auto chunk = static_cast<int>(std::clamp(unfinished, kChunk, kLargestChunk));
     void* buffer = XML_GetBuffer(parser_.get(), chunk);
     if (buffer == nullptr) throw std::bad_alloc();
@@ -188,7 +203,7 @@ XmlParseError XmlReader::ReadAll() {
       count = read(file_, buffer, static_cast<std::size_t>(chunk));
     } while (count < 0 && errno == EINTR);
     if (count < 0) return Unreadable(errno);
-    sizeRead += count;
+    bytesRead_ += count;
     const auto size = static_cast<std::size_t>(count);
     const std::size_t good = surrogates_.Accept({static_cast<const char*>(buffer), size});
     const XML_Status status = XML_ParseBuffer(parser_.get(), static_cast<int>(good), count == 0);
@@ -219,13 +234,30 @@ void XmlReader::BeginElement(std::string_view name, const char** attributes) {
   const auto text = static_cast<std::uint32_t>(tree_.text.size());
   Append({tree_.Intern(name), 0, 0, static_cast<std::uint32_t>(tree_.attributes.size()), text, text});
   open_.push_back({static_cast<std::uint32_t>(tree_.nodes.size() - 1), 0});
+  const char** const defaults = attributes + XML_GetSpecifiedAttributeCount(parser_.get());
   for (; *attributes != nullptr; attributes += 2) {
+    if (attributes >= defaults) AllowDefault(attributes[0], attributes[1]);
     const auto begin = static_cast<std::uint32_t>(tree_.values.size());
     tree_.values.append(attributes[1]);
     NeedRoom(tree_.values.size());
     tree_.attributes.push_back(
         {tree_.Intern(attributes[0]), begin, static_cast<std::uint32_t>(tree_.values.size())});
   }
+}
+
+// Counts the attribute at the length that it would have in the file, so that many empty ones count, too.
+void XmlReader::AllowDefault(std::string_view name, std::string_view value) {
+  defaultBytes_ += name.size() + value.size() + std::string_view(" =''").size();
+  if (defaultBytes_ > std::max(kAlwaysAllowed, kMaximumAmplification * bytesRead_)) throw kTooMuchDefaulted;
+}
+
+void XmlReader::Declare() {
+  if (++declared_ > kMostDeclared) throw kTooManyDeclared;
+}
+
+void XmlReader::DeclareEntity(std::string_view value) {
+  Declare();
+  if (value.find('&') != value.npos && ++nested_ > kMostNested) throw kTooManyNested;
 }
 
 void XmlReader::EndElement() {
@@ -258,12 +290,6 @@ void XmlReader::EndCdata() {
   Append({XmlTree::kCdata, 0, 0, static_cast<std::uint32_t>(tree_.attributes.size()),
           static_cast<std::uint32_t>(textBegin_), static_cast<std::uint32_t>(tree_.text.size())});
   textBegin_ = tree_.text.size();
-}
-
-void XmlReader::DeclareEntity(std::string_view value) {
-  if (value.find('&') != value.npos && ++entitiesOfEntities_ > kMaximumEntitiesOfEntities) {
-    throw Refusal{u"too many entities that refer to others"};
-  }
 }
 
 // Hangs the node behind its elder siblings.

@@ -46,11 +46,13 @@ struct XmlReader {
   void StartParser();
   XmlParseError ReadAll();
   void BeginElement(std::string_view name, const char** attributes);
+  void AllowDefault(std::string_view name, std::string_view value);
+  void Declare();
+  void DeclareEntity(std::string_view value);
   void EndElement();
   void Characters(std::string_view characters);
   void BeginCdata();
   void EndCdata();
-  void DeclareEntity(std::string_view value);
   void FlushText();
   void Append(XmlNode node);
   XmlParseError Stopped(String reason) const;
@@ -64,10 +66,13 @@ struct XmlReader {
     std::uint32_t lastChild;  // 0 while it has none
   };
   std::vector<Open> open_;      // from the document down to the element that is being read
-  int entitiesOfEntities_ = 0;  // declared so far
   std::size_t textBegin_ = 0;   // where the text that is being collected begins
   std::exception_ptr failure_;  // raised in a callback, thrown again behind the parser's frames
   SurrogateCheck surrogates_;
+  std::int64_t bytesRead_ = 0;
+  std::int64_t defaultBytes_ = 0;  // of attributes that stand in no tag
+  int declared_ = 0;               // entities and attributes
+  int nested_ = 0;                 // entities that refer to others
 };
 
 }  // namespace TORVA35

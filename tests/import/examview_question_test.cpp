@@ -261,6 +261,20 @@ TEST_F(ExamViewQuestion, StateObjectives) {
   }
 }
 
+// Each question's notes hold those of all within. The allowance is 8 MiB, or ten times the document's text.
+TEST_F(ExamViewQuestion, QuestionsWithinNotesDoNotMultiplyTheirText) {
+  std::string body = std::string(100'000, 'x');
+  for (int i = 0; i < 100; ++i) {
+    body = "<question question-id='" + std::to_string(i) + "'><info><notes>" + body + "</notes></info></question>";
+  }
+  EXPECT_TRUE(Load(body));
+  EXPECT_EQ(TakeFailures(), Failures(100 - 83, {7, u"TORVA35 - clsTORVATest.AddXMLQuestion"}));
+  EXPECT_EQ(test->Questions()->Count(), 83);
+  EXPECT_TRUE(Load(body + "<filler>" + std::string(900'000, 'x') + "</filler>"));
+  EXPECT_EQ(test->Questions()->Count(), 100);
+  EXPECT_EQ(test->Questions()->Item(1)->Notes().size(), 100'000u);
+}
+
 // The host takes the list away while a question is being reported.
 TEST_F(ExamViewQuestion, AHostThatChangesTheTestMeanwhile) {
   host->onFailure = [&] {

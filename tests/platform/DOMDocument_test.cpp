@@ -211,5 +211,28 @@ TEST(DOMDocument, HostileShapesLoadOrAreRefused) {
   EXPECT_EQ(document.parseError().reason, u"too many entities that refer to others");
 }
 
+std::string WithDefaults(const std::string& declared, std::size_t elements) {
+  return "<!DOCTYPE a [<!ATTLIST b " + declared + ">]><a>\n" + Repeated(elements, "<b></b>\n") + "</a>";
+}
+
+TEST(DOMDocument, DeclaredAttributesAreLimited) {
+  const std::string long1000 = "x CDATA '" + std::string(995, 'v') + "'";  // 1,000 bytes with its name and marks
+  std::string empty;
+  for (int i = 100; i < 1000; ++i) empty += " x" + std::to_string(i) + " CDATA ''";
+  std::string implied;
+  for (int i = 0; i <= 10'000; ++i) implied += " x" + std::to_string(i) + " CDATA #IMPLIED";
+  DOMDocument document;
+  EXPECT_TRUE(Load(document, WithDefaults(long1000, 8'388)));
+  EXPECT_EQ(document.getElementsByTagName(u"b").get_item(8'387).get_attributes().get_item(0).Text().size(), 995u);
+  EXPECT_FALSE(Load(document, WithDefaults(long1000, 8'389)));
+  EXPECT_EQ(document.parseError().reason, u"too much from declared attributes");
+  EXPECT_EQ(document.parseError().line, 8'390);
+  EXPECT_EQ(document.parseError().column, 4);  // behind the tag
+  EXPECT_TRUE(Load(document, "<!--" + std::string(1 << 20, ' ') + "-->" + WithDefaults(long1000, 8'389)));
+  EXPECT_FALSE(Load(document, WithDefaults(empty, 2'000)));
+  EXPECT_FALSE(Load(document, WithDefaults(implied, 1)));
+  EXPECT_EQ(document.parseError().reason, u"too many declarations");
+}
+
 }  // namespace
 }  // namespace TORVA35
