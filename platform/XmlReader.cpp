@@ -50,6 +50,7 @@ void NeedRoom(std::size_t size) {
 // Fills the map of a single-byte code page from the system's converter.
 int XMLCALL UnknownEncoding(void*, const XML_Char* name, XML_Encoding* encoding) {
   const iconv_t converter = iconv_open("UTF-32LE", name);
+  // NOLINTNEXTLINE(performance-no-int-to-ptr): that is how it fails.
   if (converter == reinterpret_cast<iconv_t>(-1)) return XML_STATUS_ERROR;
   bool singleByte = true;
   for (int byte = 0; byte < 256; ++byte) {
@@ -247,7 +248,7 @@ void XmlReader::BeginElement(std::string_view name, const char** attributes) {
 
 // Counts the attribute at the length that it would have in the file, so that many empty ones count, too.
 void XmlReader::AllowDefault(std::string_view name, std::string_view value) {
-  defaultBytes_ += name.size() + value.size() + std::string_view(" =''").size();
+  defaultBytes_ += static_cast<std::int64_t>(name.size() + value.size() + std::string_view(" =''").size());
   if (defaultBytes_ > std::max(kAlwaysAllowed, kMaximumAmplification * bytesRead_)) throw kTooMuchDefaulted;
 }
 
