@@ -35,6 +35,10 @@ String MappedText(StringView text) {
   return result;
 }
 
+char16_t LowerAscii(char16_t unit) {
+  return unit >= u'A' && unit <= u'Z' ? static_cast<char16_t>(unit + 32) : unit;
+}
+
 // windows-1252 at 0x80 to 0x9F; 0 where the code page has no character.
 constexpr char16_t kAnsiMiddle[32] = {0x20AC, 0,      0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021,
                                       0x02C6, 0x2030, 0x0160, 0x2039, 0x0152, 0,      0x017D, 0,
@@ -210,8 +214,7 @@ Array<String> Split(StringView text, StringView delimiter) {
 }
 
 char16_t LowerUnit(char16_t unit) {
-  if (unit < 0x80) return unit >= u'A' && unit <= u'Z' ? static_cast<char16_t>(unit + 32) : unit;
-  return Mapped(kToLower, unit);
+  return unit < 0x80 ? LowerAscii(unit) : Mapped(kToLower, unit);
 }
 
 char16_t UpperUnit(char16_t unit) {
@@ -222,8 +225,7 @@ char16_t UpperUnit(char16_t unit) {
 // Through both mappings, so that units with one upper case (sigma and final sigma) and units with one lower case
 // (K and the Kelvin sign) meet.
 char16_t FoldUnit(char16_t unit) {
-  if (unit < 0x80) return LowerUnit(unit);
-  return LowerUnit(UpperUnit(unit));
+  return unit < 0x80 ? LowerAscii(unit) : LowerUnit(UpperUnit(unit));
 }
 
 String Lower(StringView text) {
@@ -233,7 +235,9 @@ String Upper(StringView text) {
   return MappedText<UpperUnit>(text);
 }
 String Fold(StringView text) {
-  return MappedText<FoldUnit>(text);
+  String result(text);
+  for (char16_t& unit : result) unit = unit < 0x80 ? LowerAscii(unit) : FoldUnit(unit);
+  return result;
 }
 
 bool EqualNoCase(StringView left, StringView right) {

@@ -1,12 +1,13 @@
 #pragma once
 
 #include <unordered_map>
-#include <vector>
 
+#include "base/Array.h"
 #include "base/CallSite.h"
 #include "base/Types.h"
 #include "merge/clsTORVA.h"
 #include "model/Collection.h"
+#include "model/ScaleTexts.h"
 
 namespace TORVA35 {
 
@@ -33,7 +34,7 @@ class FormMerge {
   bool MergeQuestion(const clsTemplateField& field, clsTemplateQuestion& formQuestion);
   bool TakeTestQuestion(const clsTemplateField& field, clsTemplateQuestion& formQuestion, clsLmfQuestion& output);
   void TakeScale(const clsTORVATestQuestion& question, clsTemplateQuestion& formQuestion, clsLmfQuestion& output);
-  Ref<clsTORVATestStrings> Scale(const clsTORVATestQuestion& question) const;
+  ScaleTexts Scale(const clsTORVATestQuestion& question) const;
   void CopyFromForm(const clsTemplateField& field, const clsTemplateQuestion& formQuestion,
                     clsLmfQuestion& output);
   void AddFlags(clsLmfQuestion& output);
@@ -48,7 +49,7 @@ class FormMerge {
   Ref<clsLmf> lmf_;
   // Only read: what a fresh question holds by itself.
   Ref<clsLmfQuestion> sharedQuestion_ = New<clsLmfQuestion>();
-  std::vector<String> names_;  // of the form's questions, in its order
+  Array<String> names_;  // of the form's questions, in its order
   Collection questionPositions_;
   std::unordered_map<String, Long> objectives_;  // from the folded text to its first position
   Long testPosition_ = 0;

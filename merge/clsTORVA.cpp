@@ -30,9 +30,7 @@ clsTORVA::~clsTORVA() {
 }
 
 bool clsTORVA::SetError(const Ref<Object>& oErr) {
-  return Reported(kSetError, false, [&](bool& result) {
-    result = basError::ReplaceErrorObject(oErr);
-  });
+  return Reported(kSetError, false, [&](bool& result) { result = basError::ReplaceErrorObject(oErr); });
 }
 
 void clsTORVA::Tell(const char16_t* title, String text, CallSite at) {

@@ -68,9 +68,8 @@ bool clsTORVA::Merge() {
 
 FormMerge::FormMerge(clsTORVA& engine, clsTORVATest& test)
     : engine_(engine), test_(test), form_(engine.templateOut_), lmf_(engine.lmf_) {
-  const Array<String> names = Need(form_).QuestionNames(1, form_->QuestionCount(), 0, u"\t", 0);
-  const Long last = names.UBound();
-  for (Long i = names.LBound(); i <= last; ++i) names_.push_back(names[i]);
+  names_ = Need(form_).QuestionNames(1, form_->QuestionCount(), 0, u"\t", 0);
+  names_.UBound();  // a form without names cannot be merged
 }
 
 void FormMerge::EnterObjectives() {

@@ -88,30 +88,35 @@ void FormMerge::TakeScale(const clsTORVATestQuestion& question, clsTemplateQuest
   const Integer multiples = question.MultiplesPermitted() ? 1 : 0;
   formQuestion.Multiples(multiples);
   output.Multiples(multiples);
-  const Ref<clsTORVATestStrings> scale = Scale(question);
+  const ScaleTexts scale = Scale(question);
   const Ref<clsTemplateStrings> labels = formQuestion.Labels();
   const Ref<clsTemplateStrings> values = formQuestion.Values();
-  const Long count = Need(scale).Count();
+  const Long count = scale.Count();
+  // First, since the form's lists may be a host's own, and change the scale when they are written to.
+  clsLmfStrings& texts = Need(output.Labels());
+  clsLmfStrings& numbers = Need(output.Values());
+  texts.Reserve(count);
+  numbers.Reserve(count);
+  for (Long i = 1; i <= count; ++i) {
+    texts.Add(scale.At(i));
+    numbers.Add(Decimal(i));
+  }
   // The form keeps its answer positions; the surplus ones show no label.
   for (Long i = Need(labels).Count(); i > count; --i) labels->Item(i, String());
   for (Long i = 1; i <= count; ++i) {
-    const String label = scale->Item(i);
-    const String value = Decimal(i);
-    labels->Item(i, label);
-    Need(values).Item(i, value);
-    Need(output.Labels()).Add(label);
-    Need(output.Values()).Add(value);
+    labels->Item(i, texts.begin()[i - 1]);
+    Need(values).Item(i, numbers.begin()[i - 1]);
   }
   formQuestion.Labels(labels);
   formQuestion.Values(values);
   formQuestion.Text(question.QuestionText());
 }
 
-Ref<clsTORVATestStrings> FormMerge::Scale(const clsTORVATestQuestion& question) const {
+ScaleTexts FormMerge::Scale(const clsTORVATestQuestion& question) const {
   if (question.QuestionType() == TORVATestQuestionTypeMultipleChoice && Need(test_.Sequences()).Count() > 1) {
-    return testPosition_ % 2 == 0 ? test_.MultipleChoiceEvenScale() : test_.MultipleChoiceOddScale();
+    return ScaleTexts(testPosition_ % 2 == 0 ? test_.MultipleChoiceEvenScale() : test_.MultipleChoiceOddScale());
   }
-  return test_.QuestionScale(testPosition_);
+  return ScaleTexts(test_, testPosition_);
 }
 
 void FormMerge::AddFlags(clsLmfQuestion& output) {
@@ -130,7 +135,8 @@ void FormMerge::MarkObjectives(const clsTORVATestQuestion& question, clsLmfQuest
   const Long count = Need(texts).Count();
   if (count > 0 && objectives_.empty()) FindObjectives();
   for (Long i = 1; i <= count; ++i) {
-    const auto found = objectives_.find(Fold(texts->Item(i)));
+    const String* text = texts->Find(i);
+    const auto found = objectives_.find(text == nullptr ? String() : Fold(*text));
     if (found != objectives_.end()) Need(output.ObjectiveFlags()).Value(found->second, true);
   }
 }
@@ -143,8 +149,8 @@ Ref<clsTORVATestQuestion> FormMerge::NextTestQuestion(CallSite at) {
 }
 
 String FormMerge::NextName(CallSite at) {
-  if (static_cast<std::size_t>(outputPosition_) > names_.size()) Raise(kSubscriptOutOfRange, at);
-  return names_[static_cast<std::size_t>(outputPosition_) - 1];
+  if (outputPosition_ > names_.Size()) Raise(kSubscriptOutOfRange, at);
+  return names_[names_.LBound() + (outputPosition_ - 1)];
 }
 
 }  // namespace TORVA35

@@ -82,7 +82,8 @@ struct Collection::Items {
       if (keyed == nullptr) return std::nullopt;
       return PlaceOf(keyed->slot);
     }
-    const Double position = std::nearbyint(NumberOf(index));
+    const auto* whole = index.As<Long>();
+    const Double position = whole != nullptr ? *whole : std::nearbyint(NumberOf(index));
     if (!(position >= 1 && position <= static_cast<Double>(Count()))) return std::nullopt;
     return static_cast<std::size_t>(position) - 1;
   }

@@ -53,9 +53,7 @@ void clsTORVATest::Clear() {
 }
 
 bool clsTORVATest::SetError(const Ref<Object>& oErr) {
-  return Reported(kSetError, false, [&](bool& result) {
-    result = basError::ReplaceErrorObject(oErr);
-  });
+  return Reported(kSetError, false, [&](bool& result) { result = basError::ReplaceErrorObject(oErr); });
 }
 
 Ref<clsTORVATest> clsTORVATest::Copy() const {

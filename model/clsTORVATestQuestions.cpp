@@ -51,9 +51,8 @@ bool clsTORVATestQuestions::RemoveAll() {
 }
 
 Ref<clsTORVATestQuestion> clsTORVATestQuestions::Item(const TaggedValue& Index) const {
-  return Reported(kItem, Ref<clsTORVATestQuestion>(), [&](Ref<clsTORVATestQuestion>& result) {
-    result = Find(Index);
-  });
+  return Reported(kItem, Ref<clsTORVATestQuestion>(),
+                  [&](Ref<clsTORVATestQuestion>& result) { result = Find(Index); });
 }
 
 bool clsTORVATestQuestions::Exists(const TaggedValue& Index) const {

@@ -25,6 +25,10 @@ constexpr Location kAsString(u"TORVA35 - clsTORVATestStrings.AsString");
 constexpr Location kAsArray(u"TORVA35 - clsTORVATestStrings.AsArray");
 constexpr Location kCopy(u"TORVA35 - clsTORVATestStrings.Copy");
 
+bool IsCopyable(StringView text) {
+  return text.size() <= kAddLimit && text.find(u'\t') == StringView::npos;
+}
+
 }  // namespace
 
 clsTORVATestStrings::clsTORVATestStrings() {
@@ -38,7 +42,9 @@ Long clsTORVATestStrings::Count() const {
 bool clsTORVATestStrings::Add(String Item, const TaggedValue& Key, const TaggedValue& Before,
                               const TaggedValue& After) {
   return Reported(kAdd, false, [&](bool& result) {
-    items_.Add(Cut(std::move(Item), kAddLimit), Key, Before, After);
+    Item = Cut(std::move(Item), kAddLimit);
+    holdsUncopyable_ |= !IsCopyable(Item);
+    items_.Add(std::move(Item), Key, Before, After);
     result = true;
   });
 }
@@ -82,7 +88,9 @@ String clsTORVATestStrings::Item(const TaggedValue& Index) const {
 void clsTORVATestStrings::Item(const TaggedValue& Index, String sValue) {
   Reported(kItem, [&] {
     if (!Exists(Index)) return;
-    items_.Add(Cut(std::move(sValue), kLetLimit), Missing, Missing, Index);
+    sValue = Cut(std::move(sValue), kLetLimit);
+    holdsUncopyable_ |= !IsCopyable(sValue);
+    items_.Add(std::move(sValue), Missing, Missing, Index);
     items_.Remove(Index);
   });
 }
@@ -116,7 +124,7 @@ Array<String> clsTORVATestStrings::AsArray(Long lLowerBound) const {
 Ref<clsTORVATestStrings> clsTORVATestStrings::Copy() const {
   return Reported(kCopy, Ref<clsTORVATestStrings>(), [&](Ref<clsTORVATestStrings>& result) {
     auto copy = New<clsTORVATestStrings>();
-    if (IsWholeAsText()) {
+    if (CopiesAsItIs()) {
       copy->items_ = items_.CopyUnkeyed();  // what the way through a text comes to, for a tenth of the cost
     } else {
       copy->AddDelimitedString(AsString(u"\t"), u"\t");
@@ -125,18 +133,14 @@ Ref<clsTORVATestStrings> clsTORVATestStrings::Copy() const {
   });
 }
 
-bool clsTORVATestStrings::IsWholeAsText() const {
-  const Long count = items_.Count();
-  for (Long i = 1; i <= count; ++i) {
-    const String& text = *items_.Item(i).As<String>();
-    if (text.size() > kAddLimit || text.find(u'\t') != String::npos || (count == 1 && text.empty())) return false;
-  }
-  return true;
-}
-
 const String* clsTORVATestStrings::Find(const TaggedValue& Index) const {
   const TaggedValue* item = items_.Find(Index);
   return item == nullptr ? nullptr : item->As<String>();
+}
+
+bool clsTORVATestStrings::CopiesAsItIs() const {
+  // The texts are joined by TAB, cut apart and added again; nothing to cut apart is an empty list.
+  return !holdsUncopyable_ && !(items_.Count() == 1 && items_.Item(1).As<String>()->empty());
 }
 
 }  // namespace TORVA35

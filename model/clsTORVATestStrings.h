@@ -60,12 +60,12 @@ class TORVA35_API clsTORVATestStrings : public Object {
 
   /// The text at the index without a copy, or null when there is none. Valid until the list changes.
   const String* Find(const TaggedValue& Index) const;
+  /// For the library itself: whether a `Copy` has just these texts. May say no although it has.
+  bool CopiesAsItIs() const;
 
  private:
-  // Whether the texts joined by TAB and split again are these texts.
-  bool IsWholeAsText() const;
-
   Collection items_;
+  bool holdsUncopyable_ = false;  // or did: a text of more than 50 units or with a TAB
 };
 
 }  // namespace TORVA35

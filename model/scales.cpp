@@ -6,6 +6,7 @@
 #include "base/Arithmetic.h"
 #include "base/Text.h"
 #include "errors/Reported.h"
+#include "model/ScaleTexts.h"
 #include "model/basPublic.h"
 #include "model/clsTORVATest.h"
 
@@ -73,16 +74,68 @@ Ref<clsTORVATestStrings> clsTORVATest::QuestionScale(const TaggedValue& vQuestio
   });
 }
 
+ScaleTexts::ScaleTexts(const clsTORVATest& test, const TaggedValue& vQuestionIndex) {
+  if (ReadItself(test, vQuestionIndex)) return;
+  scale_ = test.QuestionScale(vQuestionIndex);
+  if (scale_ != nullptr) count_ = scale_->Count();
+}
+
+ScaleTexts::ScaleTexts(Ref<clsTORVATestStrings> scale, CallSite at) : scale_(std::move(scale)) {
+  count_ = Need(scale_, at).Count();
+}
+
+// Whether a scale of the test tells what a copy would: when nothing is missing, and copying changes nothing.
+bool ScaleTexts::ReadItself(const clsTORVATest& test, const TaggedValue& vQuestionIndex) {
+  const Ref<clsTORVATestQuestions> questions = test.Questions();
+  const Ref<clsTORVATestQuestion> question = questions == nullptr ? nullptr : questions->Find(vQuestionIndex);
+  if (question == nullptr) return false;
+  switch (question->QuestionType()) {
+    case TORVATestQuestionTypeTrueFalse:
+      scale_ = test.TrueFalseScale();
+      break;
+    case TORVATestQuestionTypeYesNo:
+      scale_ = test.YesNoScale();
+      break;
+    case TORVATestQuestionTypeMultipleChoice: {
+      const Long number = questions->PositionOfID(question->ID());
+      if (number == 0) return false;
+      scale_ = number % 2 == 1 ? test.MultipleChoiceOddScale() : test.MultipleChoiceEvenScale();
+      break;
+    }
+    default:
+      return false;
+  }
+  if (scale_ == nullptr || !scale_->CopiesAsItIs()) return false;
+  if (question->QuestionType() != TORVATestQuestionTypeMultipleChoice) {
+    count_ = scale_->Count();
+    return true;
+  }
+  const Ref<clsTORVATestStrings> answers = question->Answers();
+  if (answers == nullptr) return false;
+  count_ = answers->Count();
+  return true;
+}
+
+Long ScaleTexts::Count(CallSite at) const {
+  Need(scale_, at);
+  return count_;
+}
+
+String ScaleTexts::At(Long place, CallSite at) const {
+  const String* text = Need(scale_, at).Find(place);
+  return text == nullptr || place > count_ ? String() : *text;
+}
+
 String clsTORVATest::CorrectAnswersAsString(const TaggedValue& vQuestionIndex, const String& sDelimiter,
                                             bool bEnclosedByParens, bool bNumeric) const {
   return Reported(kAsString, String(), [&](String& result) {
     if (!Need(questions_).Exists(vQuestionIndex)) return;
-    const auto scale = QuestionScale(vQuestionIndex);
+    const ScaleTexts scale(*this, vQuestionIndex);
     const auto correct = Need(Need(questions_).Find(vQuestionIndex)).CorrectAnswers();
     const Long count = Need(correct).Count();
     for (Long i = 1; i <= count; ++i) {
       const Integer number = Need(correct).Item(Narrow<Integer>(i));
-      result += bNumeric ? Decimal(number) : Need(scale).Item(number);
+      result += bNumeric ? Decimal(number) : scale.At(number);
       result += sDelimiter;
     }
     if (result.empty()) return;
@@ -94,14 +147,14 @@ String clsTORVATest::CorrectAnswersAsString(const TaggedValue& vQuestionIndex, c
 Array<String> clsTORVATest::CorrectAnswersAsArray(const TaggedValue& vQuestionIndex, bool bAsString) const {
   return Reported(kAsArray, Array<String>(), [&](Array<String>& result) {
     if (!Need(questions_).Exists(vQuestionIndex)) return;
-    const auto scale = QuestionScale(vQuestionIndex);
+    const ScaleTexts scale(*this, vQuestionIndex);
     const auto correct = Need(Need(questions_).Find(vQuestionIndex)).CorrectAnswers();
     const Long count = Need(correct).Count();
     if (count == 0) return;
     std::vector<String> answers;
     for (Long i = 1; i <= count; ++i) {
       const Integer number = Need(correct).Item(Narrow<Integer>(i));
-      answers.push_back(bAsString ? Need(scale).Item(number) : Decimal(number));
+      answers.push_back(bAsString ? scale.At(number) : Decimal(number));
     }
     result = Array<String>(0, std::move(answers));
   });

@@ -41,14 +41,12 @@ void AppendText(std::string& out, StringView text, bool inList) {
       out += "&quot;";
     } else if (unit == u'\\') {
       out += "\\\\";
-    } else if (unit < 0x20 || (unit == u'|' && inList)) {
+    } else if (pair) {
+      out += ToUtf8(text.substr(i++, 2));
+    } else if (unit < 0x20 || (unit == u'|' && inList) || IsLead(unit) || IsTrail(unit) || unit >= 0xFFFE) {
       AppendEscaped(out, unit);
     } else if (unit < 0x80) {
       out += static_cast<char>(unit);
-    } else if (pair) {
-      out += ToUtf8(text.substr(i++, 2));
-    } else if (IsLead(unit) || IsTrail(unit) || unit >= 0xFFFE) {
-      AppendEscaped(out, unit);
     } else {
       out += ToUtf8(text.substr(i, 1));
     }

@@ -30,6 +30,8 @@ class TORVA35_API StringList : public Object {
 
   /// Appends the string. Returns True.
   virtual bool Add(String sText);
+  /// Room for lCount strings in all, so that adding them takes no more.
+  void Reserve(Long lCount) { items_.reserve(static_cast<std::size_t>(lCount)); }
   /// Appends every string of the array, in order; none for an array without elements. Returns True.
   virtual bool AddArray(const Array<String>& sTexts);
 

@@ -26,8 +26,8 @@ constexpr std::int64_t kLargestChunk = 1 << 28;
 // declared for them; small files may always reach 8 MiB. The parser itself watches over the entities only.
 constexpr int kMaximumAmplification = 10;
 constexpr std::int64_t kAlwaysAllowed = 8 << 20;
-// Entities and attributes that a document may declare: at every element the parser goes through all attributes that
-// are declared for it.
+// Entities and attributes that a document may declare: at every element the parser goes through all attributes
+// that are declared for it.
 constexpr int kMostDeclared = 10'000;
 // How many of the entities may refer to others, and so how deep they nest: the parser calls itself for each level.
 constexpr int kMostNested = 1'000;

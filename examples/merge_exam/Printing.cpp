@@ -36,7 +36,8 @@ String LabelsOf(const clsTemplateStrings& labels) {
 String VersionsOf(const clsTORVATest& oTest) {
   String text;
   for (Long i = 1; i <= oTest.Sequences()->Count(); ++i) {
-    text += (i == 1 ? u"" : u" ") + oTest.Sequences()->Item(i)->Answer();
+    if (i > 1) text += u' ';
+    text += oTest.Sequences()->Item(i)->Answer();
   }
   return text;
 }

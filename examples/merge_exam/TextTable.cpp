@@ -159,6 +159,7 @@ void TextTable::Print(std::ostream& out, std::size_t width) const {
     }
     for (std::size_t at = 0; at < height; ++at) {
       std::vector<String> line;
+      line.reserve(wrapped.size());
       for (const auto& cell : wrapped) line.push_back(at < cell.size() ? cell[at] : String());
       printLine(line);
     }
