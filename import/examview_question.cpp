@@ -173,6 +173,10 @@ bool clsTORVATest::AddXMLQuestion(const IXMLDOMNode& oNode, bool& bPartialCredit
                                   TextAllowance& texts) {
   return Reported(kAddXMLQuestion, false, [&](bool& result) {
     const auto question = New<clsTORVATestQuestion>();
+    // Where memory ran out in its making, it lacks a list, and could not be taken out of the test again.
+    Need(question->LearningObjectives());
+    Need(question->Answers());
+    Need(question->CorrectAnswers());
     QuestionReader reader(*this, *question, bPartialCredit, names, texts);
     reader.ReadAttributes(oNode);
     for (IXMLDOMNode child = oNode.FirstChild(); child; child = child.NextSibling()) {

@@ -59,6 +59,9 @@ bool clsTORVATest::SetError(const Ref<Object>& oErr) {
 Ref<clsTORVATest> clsTORVATest::Copy() const {
   return Reported(kCopy, Ref<clsTORVATest>(), [&](Ref<clsTORVATest>& result) {
     auto copy = New<clsTORVATest>();
+    // Where memory ran out in its making, it lacks a list.
+    clsTORVATestQuestions& copiedQuestions = Need(copy->questions_);
+    clsTORVATestSequences& copiedSequences = Need(copy->sequences_);
     copy->MultipleChoiceEvenScale(Need(multipleChoiceEvenScale_).Copy());
     copy->MultipleChoiceOddScale(Need(multipleChoiceOddScale_).Copy());
     copy->YesNoScale(Need(yesNoScale_).Copy());
@@ -72,11 +75,9 @@ Ref<clsTORVATest> clsTORVATest::Copy() const {
     copy->Version(Version());
     copy->Source(Source());
     const Long questions = Need(questions_).Count();
-    for (Long i = 1; i <= questions; ++i) Need(copy->questions_).Add(Need(Need(questions_).Find(i)).Copy());
+    for (Long i = 1; i <= questions; ++i) copiedQuestions.Add(Need(Need(questions_).Find(i)).Copy());
     const Long versions = Need(sequences_).Count();
-    for (Long i = 1; i <= versions; ++i) {
-      Need(copy->sequences_).Add(Need(Need(sequences_).Item(i)).Copy(questions_));
-    }
+    for (Long i = 1; i <= versions; ++i) copiedSequences.Add(Need(Need(sequences_).Item(i)).Copy(questions_));
     result = std::move(copy);
   });
 }

@@ -22,7 +22,7 @@ class FileReplacement {
   void Write(std::string_view bytes);
 
   /// Brings the new file to the disk and gives it its name. False when anything has failed; the old file is then
-  /// as it was.
+  /// as it was, except where only the name could not be brought to the disk.
   bool Commit();
 
  private:

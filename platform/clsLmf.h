@@ -48,9 +48,10 @@ class TORVA35_API clsLmf : public Object {
   virtual bool Open(String sPath);
   /// Writes the model to a file, which a reader sees either as it was or whole: the new one is written beside it,
   /// reaches the disk, and takes its place. False when anything fails, and then an old file stays as it was; so it
-  /// does when it may not be written or is no regular file. A symbolic link is followed. An existing file keeps
-  /// its access rights. A model whose objectives lack the built-in one gets it in the file, and the flags of its
-  /// questions one False in front.
+  /// does when it may not be written or is no regular file. (Where only the new name fails to reach the disk, the
+  /// new file is in place.) A symbolic link is followed. An existing file keeps its access rights. A model whose
+  /// objectives lack the built-in one gets it in the file, and the flags of its questions one False in front. A
+  /// process that ends in the middle may leave a file ".lmf-...tmp" beside the old one, which is nobody's.
   virtual bool Save(String sPath) const;
 
  private:

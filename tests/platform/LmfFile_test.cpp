@@ -15,6 +15,47 @@
 #include "platform/clsLmf.h"
 #include "tests/LmfText.h"
 #include "tests/TempFile.h"
+#include "tests/platform/InChild.h"
+
+namespace {
+
+// Calls to the system up to the one at which the process ends, or that fails; 0 when none does.
+int callsLeft = 0;
+bool ends = false;
+
+bool Fails() {
+  if (callsLeft == 0 || --callsLeft > 0) return false;
+  if (ends) raise(SIGKILL);
+  errno = ENOSPC;
+  return true;
+}
+
+}  // namespace
+
+// The linker puts these in the place of the calls.
+extern "C" {
+int __real_openat(int folder, const char* name, int flags, mode_t mode);
+int __wrap_openat(int folder, const char* name, int flags, mode_t mode) {
+  return Fails() ? -1 : __real_openat(folder, name, flags, mode);
+}
+int __real_fchmod(int file, mode_t mode);
+int __wrap_fchmod(int file, mode_t mode) {
+  return Fails() ? -1 : __real_fchmod(file, mode);
+}
+ssize_t __real_write(int file, const void* bytes, size_t size);
+ssize_t __wrap_write(int file, const void* bytes, size_t size) {
+  if (callsLeft == 1) __real_write(file, bytes, size / 2);
+  return Fails() ? -1 : __real_write(file, bytes, size);
+}
+int __real_fsync(int file);
+int __wrap_fsync(int file) {
+  return Fails() ? -1 : __real_fsync(file);
+}
+int __real_renameat(int folder, const char* name, int newFolder, const char* newName);
+int __wrap_renameat(int folder, const char* name, int newFolder, const char* newName) {
+  return Fails() ? -1 : __real_renameat(folder, name, newFolder, newName);
+}
+}  // extern "C"
 
 namespace TORVA35 {
 namespace {
@@ -322,6 +363,51 @@ TEST(LmfFile, AFailedSaveLeavesTheOldFile) {
   ASSERT_EQ(mkfifo(folder.File("pipe").c_str(), 0600), 0);
   EXPECT_FALSE(Save(lmf, folder.File("pipe")));
   EXPECT_TRUE(fs::is_fifo(folder.File("pipe")));
+}
+
+// A save that stops at its n-th call to the system: what it gives, or how its process ended.
+std::string StoppedSave(const clsLmf& lmf, const std::string& path, int n, bool killed) {
+  return InChild([&] {
+    ends = killed;
+    callsLeft = n;
+    const bool saved = Save(lmf, path);
+    const bool stopped = std::exchange(callsLeft, 0) == 0;
+    return std::string(!stopped ? "not stopped" : saved ? "saved" : "refused");
+  });
+}
+
+TEST(LmfFile, WhereverASaveStopsTheFileIsWhole) {
+  const Folder folder;
+  const std::string path = folder.File("a.lmf");
+  clsLmf old, lmf;
+  lmf.Notes(String(200'000, u'x'));
+  ASSERT_TRUE(Save(lmf, path));
+  const std::string newBytes = Bytes(path);
+  ASSERT_TRUE(Save(old, path));
+  const std::string oldBytes = Bytes(path);
+  for (const bool killed : {false, true}) {
+    int stops = 0;
+    int replaced = 0;
+    for (;;) {
+      ASSERT_TRUE(Save(old, path));
+      const std::string end = StoppedSave(lmf, path, stops + 1, killed);
+      if (end == "not stopped") break;
+      ++stops;
+      EXPECT_EQ(end, killed ? "ended by SIGKILL" : "refused") << stops;
+      if (Bytes(path) != oldBytes) ++replaced;
+      EXPECT_TRUE(Bytes(path) == oldBytes || Bytes(path) == newBytes) << stops;
+      EXPECT_TRUE(killed || folder.Names().size() == 1) << stops;
+    }
+    EXPECT_GE(stops, 6);
+    EXPECT_EQ(replaced, 1);  // at the last call, which brings the new file's name to the disk
+    EXPECT_EQ(Bytes(path), newBytes);
+  }
+  // What killed processes have left, one of this number among them, is in nobody's way.
+  for (int i = 0; i < 1000; ++i) {
+    Write(folder.File((".lmf-" + std::to_string(getpid()) + "-" + std::to_string(i) + ".tmp").c_str()), "left");
+  }
+  EXPECT_TRUE(Save(old, path));
+  EXPECT_EQ(Bytes(path), oldBytes);
 }
 
 TEST(LmfFile, ASaveKeepsAccessRightsAndFollowsALink) {

@@ -1,0 +1,164 @@
+// Each allocation of an operation fails alone, and then once more together with all later ones.
+
+#include "errors/Caught.h"
+#include "tests/LmfText.h"
+#include "tests/TempFile.h"
+#include "tests/memory/FailingAllocator.h"
+#include "tests/merge/MergeFixture.h"
+
+namespace TORVA35 {
+namespace {
+
+std::string Export(const std::string& version, const std::string& ids) {
+  std::string xml = "<!DOCTYPE examview [<!ENTITY e 'an entity of some length'>]><examview><header><version>" +
+                    version + "</version></header><mc-choice-sequence a='ABCDE_FGHJK'/>";
+  for (const char id : ids) {
+    xml += std::string("<question type='mc' bank-id=' with a long name' question-id='") + id +
+           "'><text><para>What is &e; in <b>bold  </b><sup>2</sup> and <equation/>?</para></text><choices>"
+           "<choice-a>the first of all choices</choice-a><choice-b>b</choice-b><choice-c>c</choice-c></choices>"
+           "<answer>C, A</answer><info><notes>Notes <![CDATA[of a length]]></notes><text-objective>Objective of "
+           "all|Objective of " +
+           id + "</text-objective></info></question>";
+  }
+  return xml + "<question type='es' question-id='e'/><question type='tf' question-id='t'/></examview>";
+}
+
+const TempFile kExport(Export("A", "12")), kOtherExport(Export("B", "21")), kLmf, kSaved;
+
+String TestText(const Ref<clsTORVATest>& test) {
+  if (test == nullptr) return {};
+  String text = test->Version() + test->MultipleChoiceOddScale()->AsString();
+  for (Long i = 1; i <= test->Questions()->Count(); ++i) {
+    const auto question = test->Questions()->Item(i);
+    text += u"\n" + question->ID() + question->QuestionText() + question->Notes() +
+            question->Answers()->AsString() + question->LearningObjectives()->AsString() +
+            test->CorrectAnswersAsString(i);
+    for (Long s = 1; s <= test->Sequences()->Count(); ++s) {
+      text += Decimal(test->Sequences()->Item(s)->Order()->Item(question->ID()));
+    }
+  }
+  return text;
+}
+
+// All that an operation works on, with an error object of its own.
+struct World : MergeTest {
+  World() {
+    Load(first, kExport);
+    Load(second, kOtherExport);
+    engine->Tests()->Add(first);
+    engine->Tests()->Add(second);
+    first->AddSequence(second);
+    engine->TemplateIn(Form({{Field(1, false, {u"A", u"B"}), Field(4, true, {u"1", u"2", u"3"})}}));
+    engine->TemplateOut(New<clsTemplate>());
+    engine->SequenceQuestion(1);
+    lmf->Open(kLmf.Path());
+  }
+  void TestBody() override {}
+
+  static bool Load(const Ref<clsTORVATest>& test, const TempFile& file) {
+    test->ImportObjectives(TORVATestImportObjectivesLearning);
+    return test->LoadXML(file.Path());
+  }
+  String Text() {
+    clsLmf saved;
+    saved.Open(kSaved.Path());
+    return TestText(first) + TestText(copy) + LmfText(*engine->MIVLMF()) + LmfText(saved);
+  }
+  Failures Told() {
+    TakeDialogs();
+    return TakeFailures();
+  }
+
+  using MergeTest::engine;
+  const Ref<clsTORVATest> first = New<clsTORVATest>(), second = New<clsTORVATest>();
+  const Ref<clsLmf> lmf = New<clsLmf>();
+  Ref<clsTORVATest> copy;
+};
+
+struct Operation {
+  const char* name;
+  bool (*run)(World& world);  // can be run again after a failure
+
+  friend void PrintTo(const Operation& operation, std::ostream* out) { *out << operation.name; }
+};
+
+const Operation kOperations[] = {
+    {"LoadXML", [](World& world) { return World::Load(world.first, kOtherExport); }},
+    {"RemoveInvalid",
+     [](World& world) { return World::Load(world.first, kExport) && world.engine->RemoveInvalid(2); }},
+    {"ValidTestVersions", [](World& world) { return world.engine->ValidTestVersions(); }},
+    {"AddSequence",
+     [](World& world) { return world.first->Sequences()->RemoveAll() && world.first->AddSequence(world.second); }},
+    {"Merge", [](World& world) { return world.engine->Merge(); }},
+    {"Copy", [](World& world) { return (world.copy = world.first->Copy()) != nullptr; }},
+    {"Save", [](World& world) { return world.lmf->Save(kSaved.Path()); }},
+    {"Open", [](World& world) { return world.engine->MIVLMF()->Open(kLmf.Path()); }},
+    {"LoadLMF", [](World& world) { return world.first->LoadLMF(kLmf.Path()); }},
+};
+
+class Exhausted : public testing::TestWithParam<Operation> {
+ protected:
+  // Returns whether an allocation has failed; there may be fewer.
+  bool RunFailing(std::int64_t nth, bool all) {
+    World world;
+    bool result = false;
+    Long number = 0;
+    FailingAllocator::all = all;
+    FailingAllocator::failed = false;
+    FailingAllocator::left = nth;
+    try {
+      result = GetParam().run(world);
+    } catch (...) {
+      number = CaughtNumber();
+    }
+    FailingAllocator::left = 0;
+    const bool failed = FailingAllocator::failed;
+    const Failures told = world.Told();
+    if (!told.empty()) number = told.front().number;
+    if (number == 0 && !all) {
+      // Nothing told, so nothing is lost; only a save that fails tells no more than that.
+      EXPECT_TRUE(result ? world.Text() == right : GetParam().name == std::string("Save"));
+    } else if (number != 0) {
+      EXPECT_EQ(number, 7);
+    }
+    EXPECT_TRUE(!failed || GetParam().run(world));
+    EXPECT_EQ(ToUtf8(world.Text()), ToUtf8(right));
+    EXPECT_EQ(world.Told(), Failures());
+    return failed;
+  }
+
+  String right;  // the outcome when nothing fails
+};
+
+TEST_P(Exhausted, AtEveryAllocation) {
+  // First of all, what is made once for the process or the thread, so that nothing of it seems to leak.
+  SetMousePointerHook({});
+  for (int i = 0; i < 2; ++i) {
+    World world;
+    ASSERT_TRUE(world.engine->Merge() && world.engine->MIVLMF()->Save(kLmf.Path()) && GetParam().run(world));
+    world.Told();
+  }
+  {
+    World world;
+    ASSERT_TRUE(GetParam().run(world));
+    right = world.Text();
+    world.Told();
+  }
+  for (const bool all : {false, true}) {
+    bool failed = true;
+    for (std::int64_t nth = 1; failed && !HasFailure(); ++nth) {
+      SCOPED_TRACE(std::to_string(nth) + (all ? " and all later ones" : ""));
+      const std::int64_t objects = Object::AliveCount();
+      const std::int64_t blocks = FailingAllocator::alive;
+      failed = RunFailing(nth, all);
+      EXPECT_EQ(Object::AliveCount(), objects);
+      EXPECT_EQ(FailingAllocator::alive, blocks);
+    }
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Of, Exhausted, testing::ValuesIn(kOperations),
+                         [](const auto& row) { return row.param.name; });
+
+}  // namespace
+}  // namespace TORVA35
