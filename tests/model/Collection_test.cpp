@@ -11,22 +11,10 @@
 #include <utility>
 #include <vector>
 
-#include "base/Error.h"
-#include "base/Text.h"
+#include "tests/Values.h"
 
 namespace TORVA35 {
 namespace {
-
-/// The number of the failure that the call raises, or 0.
-template <class Call>
-Long NumberRaised(Call&& call) {
-  try {
-    call();
-  } catch (const Error& error) {
-    return error.Number();
-  }
-  return 0;
-}
 
 String At(const Collection& list, const TaggedValue& index) {
   return *list.Item(index).As<String>();
@@ -56,25 +44,25 @@ TEST(Collection, NumbersArePositionsAndStringsAreKeys) {
   for (const auto& [number, indexes] : failures) {
     for (const TaggedValue& index : indexes) {
       Collection changed = Letters();
-      EXPECT_EQ(NumberRaised([&] { changed.Item(index); }), number);
-      EXPECT_EQ(NumberRaised([&] { changed.Remove(index); }), number);
+      EXPECT_EQ(Raised([&] { changed.Item(index); }), number);
+      EXPECT_EQ(Raised([&] { changed.Remove(index); }), number);
       const Long added = index.IsMissing() ? 0 : number;  // at the end
-      EXPECT_EQ(NumberRaised([&] { changed.Add(u"x", Missing, index); }), added);
-      EXPECT_EQ(NumberRaised([&] { changed.Add(u"x", Missing, Missing, index); }), added);
+      EXPECT_EQ(Raised([&] { changed.Add(u"x", Missing, index); }), added);
+      EXPECT_EQ(Raised([&] { changed.Add(u"x", Missing, Missing, index); }), added);
       EXPECT_EQ(changed.Find(index), nullptr);
     }
   }
-  EXPECT_EQ(NumberRaised([] { Collection().Item(1); }), kSubscriptOutOfRange);
-  EXPECT_EQ(NumberRaised([] { Collection().Remove(u"a"); }), kInvalidCall);
+  EXPECT_EQ(Raised([] { Collection().Item(1); }), kSubscriptOutOfRange);
+  EXPECT_EQ(Raised([] { Collection().Remove(u"a"); }), kInvalidCall);
 }
 
 TEST(Collection, AddRefusesBadKeysAndPlaces) {
   Collection list = Letters();
   for (const TaggedValue& key : {TaggedValue(5), TaggedValue(Empty), TaggedValue(Null), TaggedValue(true)}) {
-    EXPECT_EQ(NumberRaised([&] { list.Add(u"x", key); }), kTypeMismatch);
+    EXPECT_EQ(Raised([&] { list.Add(u"x", key); }), kTypeMismatch);
   }
-  EXPECT_EQ(NumberRaised([&] { list.Add(u"x", Missing, 1, 1); }), kInvalidCall);
-  EXPECT_EQ(NumberRaised([&] { list.Add(u"x", u""); }), kDuplicateKey);
+  EXPECT_EQ(Raised([&] { list.Add(u"x", Missing, 1, 1); }), kInvalidCall);
+  EXPECT_EQ(Raised([&] { list.Add(u"x", u""); }), kDuplicateKey);
   EXPECT_EQ(list.Count(), 3);
 }
 
@@ -150,13 +138,13 @@ TEST(Collection, BehavesAsALiteralList) {
       growing = literal.Count() == 0 || (growing && literal.Count() <= size);
       const TaggedValue index = below(2) == 0 ? TaggedValue(key()) : (below(4 * literal.Count() + 8) - 2) / 4.0;
       if (below(3) == (growing ? 0 : 1)) {
-        ASSERT_EQ(NumberRaised([&] { list.Remove(index); }) == 0, literal.Remove(index)) << step;
+        ASSERT_EQ(Raised([&] { list.Remove(index); }) == 0, literal.Remove(index)) << step;
       } else {
         // Short and long texts: the first stand in the item itself.
         const String item = (step % 3 == 0 ? u"a longer text " : u"") + Decimal(step);
         const TaggedValue filed = below(3) == 0 ? Missing : TaggedValue(key());
         const TaggedValue before = maybe(3, index), after = maybe(5, index);
-        ASSERT_EQ(NumberRaised([&] { list.Add(item, filed, before, after); }) == 0,
+        ASSERT_EQ(Raised([&] { list.Add(item, filed, before, after); }) == 0,
                   literal.Add(item, filed, before, after))
             << step;
       }
