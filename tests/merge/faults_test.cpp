@@ -25,10 +25,7 @@ class MemberFaults : public MergeTest {
       host->reply = 6;
       merged |= engine->Merge();  // the process lives on, and a dialog is a dialog again
       std::string text = (merged ? "merged " : "not merged ") + std::to_string(host->dialogs.size());
-      for (const Failure& failure : host->failures) {
-        text += ", " + std::to_string(failure.number) + ToUtf8(failure.location.substr(9));
-      }
-      return text;
+      return text + ", " + TakeFailures();
     });
   }
 };

@@ -8,9 +8,6 @@
 namespace TORVA35 {
 namespace {
 
-constexpr const char16_t* kCopy = u"TORVA35 - clsTORVATest.Copy";
-const Failure kQuestionCopy = {91, u"TORVA35 - clsTORVATestQuestion.Copy"};
-
 // The first so many units of a text that begins with this one and goes on for ever.
 String Long300(char16_t first, std::size_t count = 301) {
   return first + String(count - 1, u'x');
@@ -91,13 +88,13 @@ TEST_F(Question, CopyNeedsEveryListButNotAllOfThem) {
     if (missing == 2) question->LearningObjectives(nullptr);
     if (missing == 3) question->CorrectAnswers(nullptr);
     EXPECT_EQ(question->Copy(), nullptr);
-    EXPECT_EQ(TakeFailures(), Failures{kQuestionCopy});
+    EXPECT_EQ(TakeFailures(), "91 clsTORVATestQuestion.Copy");
   }
   // A set that cannot be copied reports that itself, and the question carries on with what it got.
   question = New<clsTORVATestQuestion>();
   for (Long i = 0; i <= 32767; ++i) question->CorrectAnswers()->Add(static_cast<Integer>(i));
   const auto copy = question->Copy();
-  EXPECT_EQ(TakeFailures(), (Failures{{6, u"TORVA35 - clsTORVATestCorrect.Copy"}}));
+  EXPECT_EQ(TakeFailures(), "6 clsTORVATestCorrect.Copy");
   ASSERT_NE(copy, nullptr);
   EXPECT_EQ(copy->CorrectAnswers(), nullptr);
 }
@@ -178,7 +175,7 @@ TEST_F(Test, ClearStopsAtAFailure) {
   SetEverything();
   test->Questions(nullptr);
   test->Clear();
-  EXPECT_EQ(TakeFailures(), (Failures{{91, u"TORVA35 - clsTORVATest.Clear"}}));
+  EXPECT_EQ(TakeFailures(), "91 clsTORVATest.Clear");
   EXPECT_EQ(test->Sequences()->Count(), 0);
   EXPECT_EQ(Texts(*test), cut);
 }
@@ -208,21 +205,17 @@ TEST_F(Test, CopyGoesOnBehindAPartThatCouldNotBeCopied) {
   test->Sequences()->AddDefault(test->Questions());
   test->Questions()->Item(u"Y")->ID(u"x");  // keys of the copy are the IDs of now
   AddQuestion(u"Z")->ID(u"X");
+  const std::string ofQuestions =
+      "91 clsTORVATestQuestion.Copy, 91 clsTORVATestQuestions.Add, 457 clsTORVATestQuestions.Add, ";
   auto copy = test->Copy();
   EXPECT_EQ(copy->Questions()->Count(), 1);
   EXPECT_EQ(copy->Sequences()->Item(1)->Order()->Count(), 1);
-  Failures failures = {kQuestionCopy,
-                       {91, u"TORVA35 - clsTORVATestQuestions.Add"},
-                       {457, u"TORVA35 - clsTORVATestQuestions.Add"},
-                       {457, u"TORVA35 - clsTORVATestSequenceOrder.Add"}};
-  EXPECT_EQ(TakeFailures(), failures);
+  EXPECT_EQ(TakeFailures(), ofQuestions + "457 clsTORVATestSequenceOrder.Add");
 
   test->Sequences()->Item(1)->Order(nullptr);
   copy = test->Copy();
   EXPECT_EQ(copy->Sequences()->Count(), 0);
-  failures[3] = {91, u"TORVA35 - clsTORVATestSequence.Copy"};
-  failures.push_back({91, u"TORVA35 - clsTORVATestSequences.Add"});
-  EXPECT_EQ(TakeFailures(), failures);
+  EXPECT_EQ(TakeFailures(), ofQuestions + "91 clsTORVATestSequence.Copy, 91 clsTORVATestSequences.Add");
 }
 
 TEST_F(Test, CopyNeedsEveryPart) {
@@ -236,20 +229,8 @@ TEST_F(Test, CopyNeedsEveryPart) {
     test = New<clsTORVATest>();
     remove();
     EXPECT_EQ(test->Copy(), nullptr);
-    EXPECT_EQ(TakeFailures(), (Failures{{91, kCopy}}));
+    EXPECT_EQ(TakeFailures(), "91 clsTORVATest.Copy");
   }
-}
-
-// The host takes the questions away while one of them is being copied.
-TEST_F(Test, CopySurvivesAHostThatChangesTheTestMeanwhile) {
-  AddQuestion(u"X")->Answers(nullptr);
-  AddQuestion(u"Y");
-  host->onFailure = [&] {
-    host->onFailure = nullptr;
-    test->Questions(New<clsTORVATestQuestions>());
-  };
-  EXPECT_EQ(test->Copy(), nullptr);
-  EXPECT_EQ(TakeFailures(), (Failures{kQuestionCopy, {91, u"TORVA35 - clsTORVATestQuestions.Add"}, {91, kCopy}}));
 }
 
 TEST_F(Test, NumObjectivesIsASumOverAllQuestions) {
@@ -258,7 +239,7 @@ TEST_F(Test, NumObjectivesIsASumOverAllQuestions) {
   EXPECT_EQ(test->NumObjectives(), 3);
   AddQuestion(u"Z")->LearningObjectives(nullptr);
   EXPECT_EQ(test->NumObjectives(), 0);
-  EXPECT_EQ(TakeFailures(), (Failures{{91, u"TORVA35 - clsTORVATest.NumObjectives"}}));
+  EXPECT_EQ(TakeFailures(), "91 clsTORVATest.NumObjectives");
 }
 
 TEST_F(Test, SetErrorHoldsForAllObjects) {
