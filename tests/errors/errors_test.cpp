@@ -6,7 +6,6 @@
 
 #include <new>
 #include <stdexcept>
-#include <thread>
 #include <vector>
 
 #include "base/Text.h"
@@ -139,21 +138,6 @@ TEST_F(basErrorTest, ErrorObjectLivesThroughItsCall) {
   EXPECT_TRUE(watched.expired());
 }
 
-TEST_F(basErrorTest, EachThreadHasASlotOfItsOwn) {
-  basError::goErr() = host;
-  std::weak_ptr<Host> watched;
-  std::thread([&] {
-    EXPECT_EQ(basError::goErr(), nullptr);
-    const auto own = New<Host>();
-    watched = own;
-    basError::goErr() = own;
-    Report(0);
-  }).join();
-  EXPECT_TRUE(watched.expired());
-  EXPECT_TRUE(host->calls.empty());
-  EXPECT_EQ(basError::goErr(), host);
-}
-
 TEST_F(basErrorTest, MsgBoxExNeedsAnObjectWithTheMethod) {
   const std::pair<Ref<Object>, Long> rows[] = {{nullptr, 91}, {New<WithoutMethods>(), 438}, {host, 0}};
   for (const auto& [object, number] : rows) {
@@ -270,23 +254,6 @@ struct Thing : Object {
     ReportedConstruction(kHere, [] {});
   }
 };
-
-TEST_F(basErrorTest, FaultsAreReportedLikeAnyFailure) {
-  EXPECT_EQ(InChild([&] {
-              const Thing startsUp;
-              basError::goErr() = host;
-              String results;
-              for (void (*cause)() : {faults::NullRead, faults::EndlessRecursion, +[] {}, faults::NullRead}) {
-                results += TextOf(Member(cause)) + u"\n";
-              }
-              for (const String& call : host->calls) results += call + u"\n";
-              return ToUtf8(results);
-            }),
-            "True\nTrue\nFalse\nTrue\n"
-            "10005|0|Access Violation|TORVA35 - clsThing.Do; Line: 20||1|False\n"
-            "10237|0|Stack Overflow|TORVA35 - clsThing.Do; Line: 20||1|False\n"
-            "10005|0|Access Violation|TORVA35 - clsThing.Do; Line: 20||1|False\n");
-}
 
 class Faulty : public std::exception {
   const char* what() const noexcept override {

@@ -7,9 +7,9 @@
 #include <cstring>
 #include <exception>
 #include <functional>
-#include <memory>
 #include <ostream>
 #include <thread>
+#include <vector>
 
 #include "Faults.h"
 #include "InChild.h"
@@ -321,51 +321,44 @@ TEST(FaultGuard, WithoutAWillingFilterTheHostGetsTheFault) {
   EXPECT_EQ(withFilter([](ExceptionPointers&) -> Long { return 0; }), "ended by SIGSEGV");
 }
 
-// The alternate stacks of a thread: what the host gave it, what it had after the library's start-up, and at its
-// end.
-struct AlternateStacks {
-  std::unique_ptr<char[]> memory;
-  stack_t system{};
-  stack_t host{};
-  stack_t started{};
-  stack_t end{};
+// Of a thread to which the host gave an alternate stack: whether it stands after the library's start-up, and again
+// at the thread's end.
+struct AlternateStack {
+  bool AtStart() const { return started.ss_sp == host.ss_sp; }
+  bool AtEnd() const { return end.ss_sp == host.ss_sp; }
+
+  stack_t system{}, host{}, started{}, end{};
   bool secondRound = false;
 };
 
 pthread_key_t threadEnd;
 
 void NoteAtThreadEnd(void* value) {
-  auto& stacks = *static_cast<AlternateStacks*>(value);
-  if (!std::exchange(stacks.secondRound, true)) {
+  auto& stack = *static_cast<AlternateStack*>(value);
+  if (!std::exchange(stack.secondRound, true)) {
     pthread_setspecific(threadEnd, value);  // again when the library has had its turn
     return;
   }
-  sigaltstack(&stacks.system, &stacks.end);
-}
-
-AlternateStacks OnThreadWithStack(std::size_t size) {
-  AlternateStacks stacks;
-  std::thread([&] {
-    stacks.memory = std::make_unique<char[]>(size);
-    stacks.host.ss_sp = stacks.memory.get();
-    stacks.host.ss_size = size;
-    sigaltstack(&stacks.host, &stacks.system);
-    SetUnhandledExceptionFilter(Throwing);
-    sigaltstack(nullptr, &stacks.started);
-    pthread_setspecific(threadEnd, &stacks);
-  }).join();
-  return stacks;
+  sigaltstack(&stack.system, &stack.end);
 }
 
 TEST(FaultGuard, LargeAlternateStackIsKeptAndASmallOnePutBack) {
   pthread_key_create(&threadEnd, NoteAtThreadEnd);
-  const AlternateStacks large = OnThreadWithStack(1 << 20);
-  EXPECT_EQ(large.started.ss_sp, large.host.ss_sp);
-  EXPECT_EQ(large.end.ss_sp, large.host.ss_sp);
-  const AlternateStacks small = OnThreadWithStack(16384);
-  EXPECT_NE(small.started.ss_sp, small.host.ss_sp);
-  EXPECT_GE(small.started.ss_size, std::size_t{64 * 1024});
-  EXPECT_EQ(small.end.ss_sp, small.host.ss_sp);
+  for (const std::size_t size : {1 << 20, 16384}) {
+    std::vector<char> memory(size);
+    AlternateStack stack;
+    std::thread([&] {
+      stack.host.ss_sp = memory.data();
+      stack.host.ss_size = size;
+      sigaltstack(&stack.host, &stack.system);
+      SetUnhandledExceptionFilter(Throwing);
+      sigaltstack(nullptr, &stack.started);
+      pthread_setspecific(threadEnd, &stack);
+    }).join();
+    EXPECT_GE(stack.started.ss_size, std::size_t{64 * 1024});
+    EXPECT_EQ(stack.AtStart(), size != 16384);
+    EXPECT_TRUE(stack.AtEnd());
+  }
   pthread_key_delete(threadEnd);
 }
 
