@@ -96,7 +96,7 @@ TEST_F(ExamView, ScalesFromLetters) {
   for (const Row& row : {Row{"ABCDE_FGHIJ", false, u"ABCDE FGHIJ"}, Row{"abcde_fghij", true, u"ABCDEFGH ABCDEFGH"},
                          Row{"ABCDE", false, u"ABCDEFGH ABCDEFGH"}, Row{"ABCDEF_GHIJKL", false, u"ABCDEF GHIJKL"},
                          Row{"ABCDE_", false, u"ABCD ABCD"}, Row{"ABCDE_", true, u"ABCDEFGH ABCDEFGH"},
-                         Row{"ABCDE_FGHI", false, u"ABCD ABCD"}, Row{"ABCD", false, u"ABCD ABCD"},
+                         Row{"ABCDE_FGHI", false, u"ABCD ABCD"}, Row{"EFGH", false, u"ABCD ABCD"},
                          Row{"ABCDE_F_HIJ", false, u"ABCDE F_HIJ"}, Row{"ABCD_FGHI_", false, u"ABCD ABCD"},
                          Row{"ABCDEFGHIJ", false, u"ABCDEFGH ABCDEFGH"}}) {
     test = New<clsTORVATest>();

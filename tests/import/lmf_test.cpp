@@ -123,6 +123,7 @@ TEST_F(LmfImport, VersionsOfTheFile) {
   EXPECT_EQ(test->Sequences()->Item(u"B")->Order()->Item(u"1"), 2);
   EXPECT_EQ(test->Sequences()->Item(u"B")->Order()->Item(u"3"), 3);
   EXPECT_FALSE(test->Sequences()->Item(u"B")->Order()->Exists(u"2"));
+  EXPECT_EQ(test->MultipleChoiceOddScale()->AsString() + test->MultipleChoiceEvenScale()->AsString(), u"ac");
 
   lmf->Versions()->Sequences()->Add(New<clsLmfSequence>());  // without a name
   EXPECT_FALSE(Build());

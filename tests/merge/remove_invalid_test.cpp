@@ -47,7 +47,11 @@ TEST_F(RemoveInvalid, TellsBothReductionsAndRebuildsTheVersions) {
   EXPECT_EQ(test->Sequences()->Item(1)->Answer(), u"V");
   EXPECT_EQ(test->Sequences()->Item(1)->Order()->Item(u"q5"), 3);
   EXPECT_EQ(untouched->Sequences()->Item(1)->Answer(), u"X");
+  engine->Verbose(false);
   EXPECT_TRUE(engine->RemoveInvalid(-1));
+  EXPECT_EQ(test->Questions()->Count(), 3);
+  EXPECT_TRUE(engine->RemoveInvalid(1));
+  EXPECT_EQ(test->Questions()->Count(), 1);
 }
 
 TEST_F(RemoveInvalid, ATestThatLosesAllEndsTheWalk) {
