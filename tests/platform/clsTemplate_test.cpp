@@ -73,6 +73,7 @@ TEST(clsTemplate, AFieldCountsInTheFormToWhichItWasAddedLast) {
   second.Pages()->Add(Page({Field(0, 1), Field(0, 1), shared}));
   EXPECT_EQ(Numbers(second), (std::vector<Long>{1, 2, 3}));
   EXPECT_EQ(Numbers(first), (std::vector<Long>{3, 2}));
+  EXPECT_EQ(Numbers(second), (std::vector<Long>{1, 2, 3}));
   second.Clear();
   EXPECT_EQ(Numbers(first), (std::vector<Long>{0, 2}));
 }
