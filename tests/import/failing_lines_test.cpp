@@ -49,8 +49,7 @@ const Provoked kProvoked[] = {
 };
 
 std::string SourceLine(const std::string& file, Long line) {
-  const std::string here = __FILE__;
-  std::ifstream source(here.substr(0, here.rfind("tests/")) + file);
+  std::ifstream source(TEST_DATA "/../../" + file);
   std::string text;
   for (Long i = 0; i < line; ++i) std::getline(source, text);
   return text;
