@@ -15,17 +15,6 @@
 
 namespace TORVA35 {
 
-/// One failure as it reached the error object, without the line.
-struct Failure {
-  Long number = 0;
-  String location;
-
-  friend bool operator==(const Failure&, const Failure&) = default;
-  friend std::ostream& operator<<(std::ostream& out, const Failure& failure) {
-    return out << failure.number << " at " << ToUtf8(failure.location);
-  }
-};
-
 /// One dialog as it reached the error object.
 struct Dialog {
   String title;
@@ -50,7 +39,9 @@ class Recorder : public ErrorObject {
                          String&, Long&, String&, String&, String&, bool&) override {
     const StringView label = u"; Line: ";
     const std::size_t mark = sLocation.rfind(label);
-    failures.push_back({*vNumber.As<Long>(), sLocation.substr(0, mark)});
+    const bool named = sLocation.starts_with(u"TORVA35 - ");
+    failures.push_back(ToUtf8(Decimal(*vNumber.As<Long>()) + (named ? u" " : u" !") +
+                              sLocation.substr(named ? 10 : 0, mark - (named ? 10 : 0))));
     lines.push_back(mark == String::npos ? 0 : std::stoi(ToUtf8(sLocation.substr(mark + label.size()))));
     if (onFailure) onFailure();
     return 0;
@@ -65,7 +56,8 @@ class Recorder : public ErrorObject {
     return reply;
   }
 
-  std::vector<Failure> failures;
+  // Number and location. The library's name is left out in front of the location; where it is missing is a "!".
+  std::vector<std::string> failures;
   std::vector<Long> lines;  // of the failures, 0 where none is known
   std::vector<Dialog> dialogs;
   TaggedValue reply = 6;
@@ -79,18 +71,22 @@ class HostTest : public testing::Test {
  protected:
   HostTest() { basError::goErr() = host; }
   ~HostTest() override {
-    EXPECT_EQ(host->failures, std::vector<Failure>());
+    EXPECT_EQ(TakeFailures(), "");
     EXPECT_EQ(host->dialogs, std::vector<Dialog>());
     basError::goErr() = nullptr;
   }
 
-  std::vector<Failure> TakeFailures() { return std::exchange(host->failures, {}); }
+  std::string TakeFailures() {
+    std::string text;
+    for (const std::string& failure : std::exchange(host->failures, {}))
+      text += (text.empty() ? "" : ", ") + failure;
+    return text;
+  }
   std::vector<Dialog> TakeDialogs() { return std::exchange(host->dialogs, {}); }
 
   const Ref<Recorder> host = New<Recorder>();
 };
 
-using Failures = std::vector<Failure>;
 using Dialogs = std::vector<Dialog>;
 
 }  // namespace TORVA35

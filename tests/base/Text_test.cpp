@@ -73,8 +73,8 @@ TEST(Text, BooleanOf) {
 }
 
 TEST(Text, Utf8BothWays) {
-  const String text = u"a\u00E9\u20AC\U0001F600";
-  EXPECT_EQ(ToUtf8(text), "a\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80");
+  const String text = u"a\u00E9\u07FF\u0800\u20AC\U0001F600";
+  EXPECT_EQ(ToUtf8(text), "a\xC3\xA9\xDF\xBF\xE0\xA0\x80\xE2\x82\xAC\xF0\x9F\x98\x80");
   EXPECT_EQ(FromUtf8(ToUtf8(text)), text);
   String appended;
   AppendUtf8(appended, ToUtf8(text));

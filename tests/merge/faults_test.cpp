@@ -1,6 +1,9 @@
+// Faults of a host's objects in the middle of a call, and threads side by side.
+
 #include <thread>
 
-#include "platform/clsLmf.h"
+#include "tests/LmfText.h"
+#include "tests/TempFile.h"
 #include "tests/merge/MergeFixture.h"
 #include "tests/platform/Faults.h"
 #include "tests/platform/InChild.h"
@@ -8,20 +11,9 @@
 namespace TORVA35 {
 namespace {
 
-const char16_t* const kMergeLocation = u"TORVA35 - clsTORVA.Merge";
-
-// Failures, a word each, so that a child process can hand them over.
-std::string WhatReached(const Recorder& host) {
-  std::string text;
-  for (const Failure& failure : host.failures) {
-    text += std::to_string(failure.number) + (failure.location == kMergeLocation ? "@Merge " : "@other ");
-  }
-  return text;
-}
-
 class MemberFaults : public MergeTest {
  protected:
-  // A merge that ends in a dialog, at which the host faults.
+  // A merge that ends in a dialog, at which the host faults; gives the failures and what a merge comes to then.
   std::string FaultInDialog(void (*cause)()) {
     return InChild([&] {
       engine->SetError(host);
@@ -32,57 +24,62 @@ class MemberFaults : public MergeTest {
       host->dialogs.clear();
       host->reply = 6;
       merged |= engine->Merge();  // the process lives on, and a dialog is a dialog again
-      return WhatReached(*host) + (merged ? "merged" : "not merged") + " " + std::to_string(host->dialogs.size());
+      std::string text = (merged ? "merged " : "not merged ") + std::to_string(host->dialogs.size());
+      return text + ", " + TakeFailures();
     });
   }
 };
 
 TEST_F(MemberFaults, AHostObjectThatFaultsInMerge) {
-  EXPECT_EQ(FaultInDialog(faults::NullRead), "10005@Merge 10005@Merge not merged 1");
-  EXPECT_EQ(FaultInDialog(faults::EndlessRecursion), "10237@Merge 10237@Merge not merged 1");
+  EXPECT_EQ(FaultInDialog(faults::NullRead), "not merged 1, 10005 clsTORVA.Merge, 10005 clsTORVA.Merge");
+  EXPECT_EQ(FaultInDialog(faults::EndlessRecursion), "not merged 1, 10237 clsTORVA.Merge, 10237 clsTORVA.Merge");
 #if defined(__x86_64__)
-  EXPECT_EQ(FaultInDialog(faults::IntegerDivision), "10132@Merge 10132@Merge not merged 1");
+  EXPECT_EQ(FaultInDialog(faults::IntegerDivision), "not merged 1, 10132 clsTORVA.Merge, 10132 clsTORVA.Merge");
 #endif
 }
 
-TEST_F(MemberFaults, AnErrorObjectThatFaultsWhileItIsTold) {
-  class Faulting : public Recorder {
-   public:
-    TaggedValue RaiseError(TaggedValue&, Long&, String&, String&, String&, String&, String&, String&, Long&,
-                           String&, String&, String&, bool&) override {
-      faults::NullRead();
-      return 0;
+// Loads, merges, and fails now and then, all in one thread; gives what the thread's own error object was told.
+class Threads : public MergeTest {
+ protected:
+  static std::string Work(const String& path, Long rounds) {
+    const auto own = New<Recorder>();
+    String output;
+    for (Long round = 0; round < rounds; ++round) {
+      const auto torva = New<clsTORVA>();
+      torva->SetError(own);
+      const auto test = New<clsTORVATest>();
+      test->LoadXML(path);
+      torva->Tests()->Add(test);
+      torva->RemoveInvalid();
+      torva->TemplateIn(Form({{Field(4, true, {u"1", u"2", u"3"})}}));
+      torva->TemplateOut(New<clsTemplate>());
+      if (!torva->Merge()) return "not merged";
+      if (round == 0) output = LmfText(*torva->MIVLMF());
+      if (output != LmfText(*torva->MIVLMF())) return "another output";
+      torva->Tests()->Remove(round + 2);  // a failure
     }
-  };
-  EXPECT_EQ(
-      InChild([&] {
-        std::string box;
-        SetMessageBoxHook([&](const String& text, const String&, Long) { box = ToUtf8(text); });
-        engine->SetError(New<Faulting>());
-        engine->Tests()->Remove(1);
-        return box.substr(0, box.find("\r\n"));
-      }),
-      "Application error: (#10005) Application-defined or object-defined error occurred while trying to display:");
-}
+    return std::to_string(own->failures.size()) + " failures, " + std::to_string(own->dialogs.size()) + " dialogs";
+  }
+};
 
-TEST_F(MemberFaults, EachThreadHasItsOwnErrorObjectAndFilter) {
-  EXPECT_EQ(InChild([&] {
-              std::string told[2];
-              const auto run = [](std::string& result, void (*cause)()) {
-                const auto own = New<Recorder>();
-                const auto other = New<clsTORVA>();
-                other->SetError(own);
-                own->onDialog = cause;
-                for (int i = 0; i < 20; ++i) other->Merge();
-                result = own->failures.size() == 20 ? WhatReached(*own).substr(0, 12) : "lost";
-              };
-              std::thread first(run, std::ref(told[0]), faults::NullRead);
-              std::thread second(run, std::ref(told[1]), faults::EndlessRecursion);
-              first.join();
-              second.join();
-              return told[0] + told[1] + std::to_string(host->failures.size());
-            }),
-            "10005@Merge 10237@Merge 0");
+TEST_F(Threads, DoNotSeeEachOther) {
+  std::string xml = "<examview>";
+  for (const char* id : {"1", "2", "3"}) {
+    xml += "<question type='mc' question-id='" + std::string(id) +
+           "'><choices><a/><b/></choices><answer>B</answer></question>";
+  }
+  const TempFile file(xml + "<question type='es'/></examview>");
+  std::string told[4];
+  {
+    std::vector<std::jthread> threads;
+    for (int i = 0; i < 4; ++i) {
+      threads.emplace_back([&, i, path = file.Path()] { told[i] = Work(path, 20 + 10 * i); });
+    }
+  }
+  for (int i = 0; i < 4; ++i) {
+    const std::string count = std::to_string(20 + 10 * i);
+    EXPECT_EQ(told[i], count + " failures, " + count + " dialogs");
+  }
 }
 
 }  // namespace

@@ -6,9 +6,10 @@
 
 #include <cstring>
 #include <exception>
-#include <memory>
+#include <functional>
 #include <ostream>
 #include <thread>
+#include <vector>
 
 #include "Faults.h"
 #include "InChild.h"
@@ -37,6 +38,17 @@ std::string Member(Body body) {
   }
 }
 
+// What the body gives in a child process whose main thread is started up, after what `before` does.
+template <class Body>
+std::string InGuardedChild(
+    Body body, const std::function<void()>& before = [] {}) {
+  return InChild([&] {
+    before();
+    SetUnhandledExceptionFilter(Throwing);
+    return std::string(body());
+  });
+}
+
 struct Fault {
   const char* name;
   void (*cause)();
@@ -54,17 +66,19 @@ TEST_P(RealFault, ComesBackEachTime) {
     GTEST_SKIP() << "its own handler, which runs first, does not end the alignment check";
   }
   const auto threeTimes = [] {
-    SetUnhandledExceptionFilter(Throwing);
     std::string codes;
     for (int i = 0; i < 3; ++i) codes += Member(GetParam().cause) + ' ';
     return codes;
   };
   const std::string code = GetParam().code;
   const std::string expected = code + ' ' + code + ' ' + code + ' ';
-  EXPECT_EQ(InChild(threeTimes), expected);
+  EXPECT_EQ(InGuardedChild(threeTimes), expected);
   EXPECT_EQ(InChild([&] {
               std::string codes;
-              std::thread([&] { codes = threeTimes(); }).join();
+              std::thread([&] {
+                SetUnhandledExceptionFilter(Throwing);
+                codes = threeTimes();
+              }).join();
               return codes;
             }),
             expected)
@@ -93,8 +107,7 @@ void NoThrow() noexcept {
 }
 
 TEST(FaultGuard, InnermostMemberGetsTheFault) {
-  EXPECT_EQ(InChild([] {
-              SetUnhandledExceptionFilter(Throwing);
+  EXPECT_EQ(InGuardedChild([] {
               std::string trace;
               trace += "outer:" + Member([&] {
                          trace += "inner:" + Member(NoThrow) + ' ';
@@ -130,8 +143,7 @@ TEST(FaultGuard, TwoThreadsFaultSideBySide) {
 // A thread that never started up has no stack for the handler of an overflow, which must not loop.
 TEST(FaultGuard, UnpreparedThreadSurvivesAllButAnOverflow) {
   const auto onUnprepared = [](void (*cause)()) {
-    return InChild([=] {
-      SetUnhandledExceptionFilter(Throwing);
+    return InGuardedChild([=] {
       std::string code;
       std::thread([&] {
         stack_t none{};
@@ -151,8 +163,7 @@ struct Thrower {
 };
 
 TEST(FaultGuard, ExceptionsOfAbandonedFramesAreForgotten) {
-  EXPECT_EQ(InChild([] {
-              SetUnhandledExceptionFilter(Throwing);
+  EXPECT_EQ(InGuardedChild([] {
               std::string trace = Member([] {
                 const Thrower faultsWhileUnwinding;
                 throw 1;
@@ -171,11 +182,10 @@ TEST(FaultGuard, ExceptionsOfAbandonedFramesAreForgotten) {
 }
 
 TEST(FaultGuard, FloatingPointControlIsKept) {
-  EXPECT_EQ(InChild([] {
-              SetUnhandledExceptionFilter(Throwing);
+  EXPECT_EQ(InGuardedChild([] {
               fesetround(FE_UPWARD);
               Member(faults::NullRead);
-              return std::string(fegetround() == FE_UPWARD ? "upward" : "lost");
+              return fegetround() == FE_UPWARD ? "upward" : "lost";
             }),
             "upward");
 }
@@ -215,11 +225,10 @@ void FaultOutside() {
 
 TEST(FaultGuard, FaultOutsideAMemberEndsTheProcess) {
   const auto after = [](void (*cause)()) {
-    return InChild([=] {
-      SetUnhandledExceptionFilter(Throwing);
+    return InGuardedChild([=] {
       Member(faults::NullRead);
       cause();
-      return std::string("lived on");
+      return "lived on";
     });
   };
   EXPECT_EQ(after(faults::NullRead), Ended(SIGSEGV));
@@ -235,15 +244,15 @@ TEST(FaultGuard, FaultOutsideAMemberEndsTheProcess) {
 
 TEST(FaultGuard, HostHandlerRunsAsItWouldHave) {
   const auto withFlags = [](int flags) {
-    return InChild([=] {
-      PutUpHandler(NoteAndLeave, flags);
-      SetUnhandledExceptionFilter(Throwing);
-      FaultOutside();
-      strcat(seen, Member(faults::NullRead).c_str());
-      strcat(seen, ", ");
-      FaultOutside();
-      return std::string(seen);
-    });
+    return InGuardedChild(
+        [] {
+          FaultOutside();
+          strcat(seen, Member(faults::NullRead).c_str());
+          strcat(seen, ", ");
+          FaultOutside();
+          return seen;
+        },
+        [=] { PutUpHandler(NoteAndLeave, flags); });
   };
   EXPECT_EQ(withFlags(0), "fault blocked +USR1, C0000005, fault blocked +USR1, ");
   // ThreadSanitizer runs each handler with all signals blocked.
@@ -255,12 +264,12 @@ TEST(FaultGuard, HostHandlerRunsAsItWouldHave) {
 
 TEST(FaultGuard, MessagesGoToTheHost) {
   const auto killedMember = [](void (*putUp)()) {
-    return InChild([=] {
-      putUp();
-      SetUnhandledExceptionFilter(Throwing);
-      const std::string result = Member([] { kill(getpid(), SIGSEGV); });
-      return seen + result;
-    });
+    return InGuardedChild(
+        [] {
+          const std::string result = Member([] { kill(getpid(), SIGSEGV); });
+          return seen + result;
+        },
+        putUp);
   };
   EXPECT_EQ(killedMember([] {}), Ended(SIGSEGV));
   EXPECT_EQ(killedMember([] { PutUpHandler(NoteAndLeave, 0); }), "message blocked +USR1, -");
@@ -268,26 +277,16 @@ TEST(FaultGuard, MessagesGoToTheHost) {
   EXPECT_EQ(killedMember([] { ::signal(SIGSEGV, SIG_IGN); }), "-");
 }
 
-TEST(FaultGuard, IgnoringDoesNotSaveFromAFault) {
-  EXPECT_EQ(InChild([] {
-              ::signal(SIGSEGV, SIG_IGN);
-              SetUnhandledExceptionFilter(Throwing);
-              faults::NullRead();
-              return std::string("lived on");
-            }),
-            "ended by SIGSEGV");
-}
-
 // The handler jumps over a member. Its frame is gone with it, and must not be found by the next fault.
 TEST(FaultGuard, FaultInAHostHandlerStaysWithTheHost) {
   if (kThreadSanitizer) GTEST_SKIP() << "runs each handler with all signals blocked";
-  EXPECT_EQ(InChild([] {
-              PutUpHandler(FaultInHandler, SA_NODEFER);
-              SetUnhandledExceptionFilter(Throwing);
-              if (sigsetjmp(hostPoint, 1) == 0) Member([] { kill(getpid(), SIGSEGV); });
-              FaultOutside();
-              return seen + Member(faults::NullRead);
-            }),
+  EXPECT_EQ(InGuardedChild(
+                [] {
+                  if (sigsetjmp(hostPoint, 1) == 0) Member([] { kill(getpid(), SIGSEGV); });
+                  FaultOutside();
+                  return seen + Member(faults::NullRead);
+                },
+                [] { PutUpHandler(FaultInHandler, SA_NODEFER); }),
             "fault +USR1, fault +USR1, C0000005");
 }
 
@@ -299,75 +298,67 @@ FAULTS void FaultAgain(int, siginfo_t*, void*) {
   static_cast<void>(room[0]);
 }
 
-TEST(FaultGuard, HostHandlerThatKeepsFaultingEndsTheProcess) {
-  EXPECT_EQ(InChild([] {
-              PutUpHandler(FaultAgain, SA_NODEFER);
-              SetUnhandledExceptionFilter(Throwing);
-              faults::NullRead();
-              return std::string("lived on");
-            }),
-            "ended by SIGSEGV");
+TEST(FaultGuard, HostThatIgnoresOrKeepsFaultingEnds) {
+  const auto fault = [] {
+    faults::NullRead();
+    return "lived on";
+  };
+  EXPECT_EQ(InGuardedChild(fault, [] { ::signal(SIGSEGV, SIG_IGN); }), "ended by SIGSEGV");
+  EXPECT_EQ(InGuardedChild(fault, [] { PutUpHandler(FaultAgain, SA_NODEFER); }), "ended by SIGSEGV");
 }
 
 TEST(FaultGuard, WithoutAWillingFilterTheHostGetsTheFault) {
   const auto withFilter = [](ExceptionFilter filter) {
-    return InChild([=] {
-      PutUpHandler(NoteAndLeave, 0);
-      SetUnhandledExceptionFilter(Throwing);
-      const bool gaveEarlier = SetUnhandledExceptionFilter(filter) == Throwing;
-      if (sigsetjmp(hostPoint, 1) == 0) Member(faults::NullRead);
-      return std::string(gaveEarlier ? "" : "other filter, ") + seen;
-    });
+    return InGuardedChild(
+        [=] {
+          const bool gaveEarlier = SetUnhandledExceptionFilter(filter) == Throwing;
+          if (sigsetjmp(hostPoint, 1) == 0) Member(faults::NullRead);
+          return std::string(gaveEarlier ? "" : "other filter, ") + seen;
+        },
+        [] { PutUpHandler(NoteAndLeave, 0); });
   };
   EXPECT_EQ(withFilter(nullptr), "fault blocked +USR1, ");
   EXPECT_EQ(withFilter([](ExceptionPointers&) -> Long { return 0; }), "ended by SIGSEGV");
 }
 
-// The alternate stacks of a thread: what the host gave it, what it had after the library's start-up, and at its
-// end.
-struct AlternateStacks {
-  std::unique_ptr<char[]> memory;
-  stack_t system{};
-  stack_t host{};
-  stack_t started{};
-  stack_t end{};
+// Of a thread to which the host gave an alternate stack: whether it stands after the library's start-up, and again
+// at the thread's end.
+struct AlternateStack {
+  bool AtStart() const { return started.ss_sp == host.ss_sp; }
+  bool AtEnd() const { return end.ss_sp == host.ss_sp; }
+
+  stack_t system{}, host{}, started{}, end{};
   bool secondRound = false;
 };
 
 pthread_key_t threadEnd;
 
 void NoteAtThreadEnd(void* value) {
-  auto& stacks = *static_cast<AlternateStacks*>(value);
-  if (!std::exchange(stacks.secondRound, true)) {
+  auto& stack = *static_cast<AlternateStack*>(value);
+  if (!std::exchange(stack.secondRound, true)) {
     pthread_setspecific(threadEnd, value);  // again when the library has had its turn
     return;
   }
-  sigaltstack(&stacks.system, &stacks.end);
-}
-
-AlternateStacks OnThreadWithStack(std::size_t size) {
-  AlternateStacks stacks;
-  std::thread([&] {
-    stacks.memory = std::make_unique<char[]>(size);
-    stacks.host.ss_sp = stacks.memory.get();
-    stacks.host.ss_size = size;
-    sigaltstack(&stacks.host, &stacks.system);
-    SetUnhandledExceptionFilter(Throwing);
-    sigaltstack(nullptr, &stacks.started);
-    pthread_setspecific(threadEnd, &stacks);
-  }).join();
-  return stacks;
+  sigaltstack(&stack.system, &stack.end);
 }
 
 TEST(FaultGuard, LargeAlternateStackIsKeptAndASmallOnePutBack) {
   pthread_key_create(&threadEnd, NoteAtThreadEnd);
-  const AlternateStacks large = OnThreadWithStack(1 << 20);
-  EXPECT_EQ(large.started.ss_sp, large.host.ss_sp);
-  EXPECT_EQ(large.end.ss_sp, large.host.ss_sp);
-  const AlternateStacks small = OnThreadWithStack(16384);
-  EXPECT_NE(small.started.ss_sp, small.host.ss_sp);
-  EXPECT_GE(small.started.ss_size, std::size_t{64 * 1024});
-  EXPECT_EQ(small.end.ss_sp, small.host.ss_sp);
+  for (const std::size_t size : {1 << 20, 16384}) {
+    std::vector<char> memory(size);
+    AlternateStack stack;
+    std::thread([&] {
+      stack.host.ss_sp = memory.data();
+      stack.host.ss_size = size;
+      sigaltstack(&stack.host, &stack.system);
+      SetUnhandledExceptionFilter(Throwing);
+      sigaltstack(nullptr, &stack.started);
+      pthread_setspecific(threadEnd, &stack);
+    }).join();
+    EXPECT_GE(stack.started.ss_size, std::size_t{64 * 1024});
+    EXPECT_EQ(stack.AtStart(), size != 16384);
+    EXPECT_TRUE(stack.AtEnd());
+  }
   pthread_key_delete(threadEnd);
 }
 

@@ -272,53 +272,38 @@ TEST(LmfFile, AFileWrittenByHandOpens) {
 }
 
 TEST(LmfFile, ForeignAndInconsistentFilesAreRefused) {
-  const auto question = [](std::string_view attributes) {
-    return Document("version='1'", "<objective/>", "<question " + std::string(attributes) + "/>", "<versions/>");
+  const auto with = [](std::string_view attributes, std::string_view objectives = "<objective/>",
+                       std::string_view questions = "", std::string_view versions = "<versions/>") {
+    return Opened(Document(attributes, objectives, questions, versions));
   };
-  ASSERT_NE(Opened(question("")), u"refused");
-  const std::string refused[] = {
-      "",
-      "no XML",
-      "<lmf/>",
-      "<LMF version='1'/>",
-      Document("", "<objective/>", "", "<versions/>"),
-      Document("version='2'", "<objective/>", "", "<versions/>"),
-      Document("version='1' color='x'", "<objective/>", "", "<versions/>"),
-      Document("version='1' mode='2147483648'", "<objective/>", "", "<versions/>"),
-      Document("version='1' mode=''", "<objective/>", "", "<versions/>"),
-      Document("version='1'", "", "", "<versions/>"),
-      Document("version='1'", "<objective key='x'/>", "", "<versions/>"),
-      Document("version='1'", "<objective/><objective key='x'/><objective key='X'/>", "", "<versions/>"),
-      Document("version='1'", "<objective/>text", "", "<versions/>"),
-      Document("version='1'", "<objective/>", "<q/>", "<versions/>"),
-      Document("version='1'", "<objective/>", "<question><x/></question>", "<versions/>"),
-      Document("version='1'", "<objective/>", "", ""),
-      Document("version='1'", "<objective/>", "", "<versions/><versions/>"),
-      Document("version='1'", "<objective/>", "", "<versions/><check crc32='00000000'/>"),
-      Document("version='1'", "<objective/>", "", "<versions><sequence>1 x</sequence></versions>"),
-      Document("version='1'", "<objective/>", "", "<versions><sequence>1<x/>2</sequence></versions>"),
-      Document("version='1'", "<objective/>", "", "<versions><sequence>4294967297</sequence></versions>"),
-      question("color='x'"),
-      question("text='\\'"),
-      question("text='\\u12'"),
-      question("text='\\u12 4'"),
-      question("text='\\n'"),
-      question("labels='A'"),
-      question("graded='2'"),
-      question("graded=''"),
-      question("multiples='32768'"),
-      question("multiples='1.5'"),
-      question("correctPoints='1e999'"),
-      question("correctPoints='1,5'"),
-      question("objectives='2000000000:0'"),
-      question("objectives='-1:'"),
-      question("objectives='5:8'"),
-      question("objectives='4:80'"),
-      question("objectives='3:1'"),
-      question("objectives='4:g'"),
-      question("objectives='4'"),
-  };
-  for (const std::string& bytes : refused) EXPECT_EQ(Opened(bytes), u"refused") << bytes;
+  ASSERT_NE(with("version='1'"), u"refused");
+  ASSERT_NE(with("version='1'", "<objective/>", "<question/>"), u"refused");
+  for (const char* bytes : {"", "no XML", "<lmf/>", "<LMF version='1'/>"}) EXPECT_EQ(Opened(bytes), u"refused");
+  for (const char* root :
+       {"", "version='2'", "version='1' color='x'", "version='1' mode='2147483648'", "version='1' mode=''"}) {
+    EXPECT_EQ(with(root), u"refused") << root;
+  }
+  for (const char* objectives :
+       {"", "<objective key='x'/>", "<objective/>text", "<objective/><objective key='x'/><objective key='X'/>"}) {
+    EXPECT_EQ(with("version='1'", objectives), u"refused") << objectives;
+  }
+  for (const char* attributes :
+       {"color='x'", "text='\\'", "text='\\u12'", "text='\\u12 4'", "text='\\n'", "labels='A'", "graded='2'",
+        "graded=''", "multiples='32768'", "multiples='1.5'", "correctPoints='1e999'", "correctPoints='1,5'",
+        "objectives='2000000000:0'", "objectives='-1:'", "objectives='5:8'", "objectives='4:80'",
+        "objectives='3:1'", "objectives='4:g'", "objectives='4'"}) {
+    const std::string question = "<question " + std::string(attributes) + "/>";
+    EXPECT_EQ(with("version='1'", "<objective/>", question), u"refused") << question;
+  }
+  for (const char* questions : {"<q/>", "<question><x/></question>"}) {
+    EXPECT_EQ(with("version='1'", "<objective/>", questions), u"refused") << questions;
+  }
+  for (const char* versions :
+       {"", "<versions/><versions/>", "<versions/><check crc32='00000000'/>",
+        "<versions><sequence>1 x</sequence></versions>", "<versions><sequence>1<x/>2</sequence></versions>",
+        "<versions><sequence>4294967297</sequence></versions>"}) {
+    EXPECT_EQ(with("version='1'", "<objective/>", "", versions), u"refused") << versions;
+  }
 
   const Folder folder;
   clsLmf lmf;

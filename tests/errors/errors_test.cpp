@@ -1,16 +1,21 @@
+// How a failure becomes one report: of a member, of the error object itself, of a processor fault.
+
 #include "errors/basError.h"
 
 #include <gtest/gtest.h>
 
 #include <new>
 #include <stdexcept>
-#include <thread>
 #include <vector>
 
 #include "base/Text.h"
 #include "errors/ErrorObject.h"
 #include "errors/Reported.h"
+#include "errors/modStartup.h"
+#include "errors/modvbCodeShieldSupport.h"
 #include "platform/Desktop.h"
+#include "tests/platform/Faults.h"
+#include "tests/platform/InChild.h"
 
 namespace TORVA35 {
 namespace {
@@ -93,32 +98,29 @@ TEST_F(basErrorTest, FailingErrorObjectLeadsToTheSecondMessageBox) {
   basError::goErr() = New<WithoutMethods>();
   EXPECT_EQ(Report(50), 0);
   basError::goErr() = host;
-  const std::function<TaggedValue()> replies[] = {[] { return Null; },
-                                                  [] { return 32768; },
-                                                  []() -> TaggedValue { throw Error(1234, u"own words"); },
-                                                  []() -> TaggedValue { throw std::runtime_error("foreign"); },
-                                                  []() -> TaggedValue { throw std::bad_alloc(); },
-                                                  []() -> TaggedValue { throw 5; }};
-  for (const auto& reply : replies) {
+  const std::pair<std::function<TaggedValue()>, String> rows[] = {
+      {[] { return Null; }, u"(#13) Type mismatch"},
+      {[] { return 32768; }, u"(#6) Overflow"},
+      {[]() -> TaggedValue { throw Error(1234, u"own words"); },
+       u"(#1234) Application-defined or object-defined error"},
+      {[]() -> TaggedValue { throw std::runtime_error("foreign"); }, u"(#51) Internal error"},
+      {[]() -> TaggedValue { throw std::bad_alloc(); }, u"(#7) Out of memory"},
+      {[]() -> TaggedValue { throw 5; }, u"(#51) Internal error"}};
+  std::vector<String> stopped = {Stopped(u"(#438) Object does not support this method")};
+  for (const auto& [reply, by] : rows) {
     host->reply = reply;
     EXPECT_EQ(Report(50), 0);
+    stopped.push_back(Stopped(by));
   }
-  EXPECT_EQ(boxes, (std::vector<String>{Stopped(u"(#438) Object does not support this method"),
-                                        Stopped(u"(#13) Type mismatch"), Stopped(u"(#6) Overflow"),
-                                        Stopped(u"(#1234) Application-defined or object-defined error"),
-                                        Stopped(u"(#51) Internal error"), Stopped(u"(#7) Out of memory"),
-                                        Stopped(u"(#51) Internal error")}));
+  EXPECT_EQ(boxes, stopped);
 }
 
-TEST_F(basErrorTest, PointerComesBeforeTheLine) {
+TEST_F(basErrorTest, ReportSurvivesAPointerAndAMessageBoxThatFail) {
   basError::goErr() = host;
-  SetMousePointerHook([] { throw Error(5, u""); });
+  SetMousePointerHook([] { throw Error(5, u""); });  // comes before the line
   EXPECT_EQ(Report(50), 0);
   EXPECT_EQ(boxes, std::vector<String>{Stopped(u"(#5) Invalid procedure call or argument", u"")});
   EXPECT_TRUE(host->calls.empty());
-}
-
-TEST_F(basErrorTest, ReportSurvivesAMessageBoxThatFails) {
   SetMessageBoxHook([](const String&, const String&, Long) { throw 1; });
   EXPECT_EQ(Report(50), 0);
 }
@@ -136,49 +138,30 @@ TEST_F(basErrorTest, ErrorObjectLivesThroughItsCall) {
   EXPECT_TRUE(watched.expired());
 }
 
-TEST_F(basErrorTest, EachThreadHasASlotOfItsOwn) {
-  basError::goErr() = host;
-  const std::weak_ptr<Host> watched = [&] {
-    std::weak_ptr<Host> other;
-    std::thread([&] {
-      EXPECT_EQ(basError::goErr(), nullptr);
-      auto own = New<Host>();
-      other = own;
-      basError::goErr() = std::move(own);
-      Report(0);
-    }).join();
-    return other;
-  }();
-  EXPECT_TRUE(watched.expired());
-  EXPECT_TRUE(host->calls.empty());
-  EXPECT_EQ(basError::goErr(), host);
-}
-
 TEST_F(basErrorTest, MsgBoxExNeedsAnObjectWithTheMethod) {
-  const auto numberAndLine = [] {
+  const std::pair<Ref<Object>, Long> rows[] = {{nullptr, 91}, {New<WithoutMethods>(), 438}, {host, 0}};
+  for (const auto& [object, number] : rows) {
+    basError::goErr() = object;
+    Error raised(0, u"", 77);
     try {
       basError::MsgBoxEx(u"", u"", 152, Missing, u"&OK", Missing, CallSite::Current(77));
     } catch (const Error& error) {
-      return std::pair(error.Number(), error.Line());
+      raised = error;
     }
-    return std::pair(Long{0}, Long{0});
-  };
-  EXPECT_EQ(numberAndLine(), (std::pair<Long, Long>(91, 77)));
-  basError::goErr() = New<WithoutMethods>();
-  EXPECT_EQ(numberAndLine(), (std::pair<Long, Long>(438, 77)));
-  basError::goErr() = host;
-  EXPECT_EQ(numberAndLine(), (std::pair<Long, Long>(0, 0)));
+    EXPECT_EQ(raised.Number(), number);
+    EXPECT_EQ(raised.Line(), 77);
+  }
 }
 
 // --- The boundary of the members ---
 
-template <class Raise>
-bool Member(Raise raise) {
+template <class Cause>
+bool Member(Cause cause) {
   return Reported(
       kHere, false,
       [&](bool& result) {
         result = true;
-        raise();
+        cause();
         result = false;
       },
       CallSite::Current(20));
@@ -207,6 +190,98 @@ TEST_F(basErrorTest, MemberReportsOnceAndGivesWhatItsResultHeld) {
     throw 1;
   }));
   EXPECT_EQ(host->calls.size(), 2u);
+}
+
+// --- Processor faults ---
+
+String Filtered(ExceptionRecord& record) {
+  ExceptionPointers pointers{&record};
+  try {
+    modvbCodeShieldSupport::vbcsExceptionFilter(pointers);
+  } catch (const Error& error) {
+    EXPECT_EQ(error.Source(), u"vbcsExceptionFilter");
+    return Decimal(error.Number()) + u" " + error.Description();
+  }
+  return u"nothing";
+}
+
+constexpr std::pair<std::uint32_t, const char16_t*> kRaised[] = {
+    {0x80000002, u"10002 Data Type Misalignment"},
+    {0x80000003, u"10003 Breakpoint"},
+    {0x80000004, u"10004 Single Step"},
+    {0xC0000005, u"10005 Access Violation"},
+    {0xC0000006, u"10006 In Page Error"},
+    {0xC000001D, u"10013 Illegal Instruction"},
+    {0xC000008C, u"10140 Array Bounds Exceeded"},
+    {0xC000008E, u"10142 Divide By Zero"},
+    {0xC000008F, u"10143 Floating Point Inexact Result"},
+    {0xC0000090, u"10128 Invalid Operation"},
+    {0xC0000091, u"10129 Float Overflow"},
+    {0xC0000093, u"10131 Float Underflow"},
+    {0xC0000094, u"10132 Integer Divide By Zero"},
+    {0xC0000095, u"10133 Integer Overflow"},
+    {0xC0000096, u"10134 Privileged Instruction"},
+    {0xC00000FD, u"10237 Stack Overflow"},
+    {0xE0000001, u"10001 Unknown (&HE0000001)"},
+    {0x000000FF, u"10239 Unknown (&H000000FF)"}};
+
+TEST(FaultFilter, RaisesNumberAndNameOfEachCode) {
+  for (const auto& [code, raised] : kRaised) {
+    ExceptionRecord innermost{}, middle{}, outer{};
+    innermost.Code = code;
+    EXPECT_EQ(Filtered(innermost), raised);
+    middle.Code = outer.Code = 0xC0000026;
+    middle.Nested = &innermost;
+    outer.Nested = &middle;
+    EXPECT_EQ(Filtered(outer), raised);
+  }
+}
+
+TEST(FaultFilter, IsInstalledOncePerThread) {
+  EXPECT_EQ(InChild([] {
+              using modvbCodeShieldSupport::vbcsExceptionFilter;
+              modStartup::Main();
+              const bool first = SetUnhandledExceptionFilter(nullptr) == vbcsExceptionFilter;
+              modStartup::Main();
+              const bool again = SetUnhandledExceptionFilter(nullptr) != nullptr;
+              return std::string(first ? "first" : "") + (again ? "again" : "");
+            }),
+            "first");
+}
+
+struct Thing : Object {
+  Thing() {
+    ReportedConstruction(kHere, [] {});
+  }
+};
+
+class Faulty : public std::exception {
+  const char* what() const noexcept override {
+    faults::NullRead();
+    return "";
+  }
+};
+
+// The host's code runs behind the member's boundary, too.
+TEST_F(basErrorTest, FaultsWhileReportingAreContained) {
+  EXPECT_EQ(
+      InChild([&] {
+        const Thing startsUp;
+        auto faulting = New<Host>();
+        const std::weak_ptr<Host> watched = faulting;
+        faulting->reply = [] {
+          faults::NullRead();
+          return 0;
+        };
+        basError::goErr() = std::move(faulting);
+        Member([] { throw Error(5, u"own words"); });
+        basError::goErr() = nullptr;
+        Member([] { throw Faulty(); });
+        return ToUtf8(boxes.at(0) + u"\n" + boxes.at(1)) + (watched.expired() ? "" : "\nkept for ever");
+      }),
+      "Application Error|48|Application error: (#10005) Application-defined or object-defined error occurred "
+      "while trying to display:\r\n\r\nError# 5: own words, Location: TORVA35 - clsThing.Do; Line: 20\n"
+      "Application Error|48|Error# 10005: Access Violation, Location: TORVA35 - clsThing.Do; Line: 20");
 }
 
 }  // namespace
