@@ -17,9 +17,9 @@ class TORVA35_API HasRaiseError {
   /// Returns a value that converts to an Integer; nothing reads it. What this method throws, or a result that does
   /// not convert, ends in a message box of the library's own.
   virtual TaggedValue RaiseError(TaggedValue& vNumber, Long& /* 0 */, String& sDescription, String& sLocation,
-                                 String& /* empty */, String& /* empty */, String& /* empty */, String& /* empty */,
-                                 Long& /* 1 */, String& /* empty */, String& /* empty */, String& /* empty */,
-                                 bool& /* False */) = 0;
+                                 String& /* empty */, String& /* empty */, String& /* empty */,
+                                 String& /* empty */, Long& /* 1 */, String& /* empty */, String& /* empty */,
+                                 String& /* empty */, bool& /* False */) = 0;
 };
 
 /// The method that shows every dialog of the library.
@@ -36,8 +36,8 @@ class TORVA35_API HasMsgBoxEx {
                                TaggedValue vButton2 = Missing) = 0;
 };
 
-/// What a host derives its error object from. `SetError` takes any `Object`: one that lacks a method is noticed when
-/// that method is called, which then fails with 438.
+/// What a host derives its error object from. `SetError` takes any `Object`: one that lacks a method is noticed
+/// when that method is called, which then fails with 438.
 class TORVA35_API ErrorObject : public Object, public HasRaiseError, public HasMsgBoxEx {
  protected:
   ErrorObject() : Object(OfHost{}) {}

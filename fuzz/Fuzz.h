@@ -90,8 +90,8 @@ inline String OutputPath() {
     Name() {
       const std::filesystem::path shared("/dev/shm");
       std::error_code error;
-      const auto folder = std::filesystem::is_directory(shared, error) ? shared
-                                                                      : std::filesystem::temp_directory_path();
+      const auto folder =
+          std::filesystem::is_directory(shared, error) ? shared : std::filesystem::temp_directory_path();
       path = folder / ("torva35-fuzz-" + std::to_string(getpid()));
     }
     ~Name() {

@@ -8,7 +8,8 @@ namespace TORVA35::fuzz {
 /// Reads all that a loaded question gives, and checks what holds whatever the file said.
 inline void ReadQuestion(const clsTORVATest& test, Long position) {
   const auto question = test.Questions()->Item(position);
-  Require(question != nullptr && test.Questions()->Item(question->ID()) == question, "found by position and by ID");
+  Require(question != nullptr && test.Questions()->Item(question->ID()) == question,
+          "found by position and by ID");
   Require(question->ID().size() <= 50 && question->Difficulty().size() <= 255 && question->Topic().size() <= 255 &&
               question->Keywords().size() <= 255 && question->Miscellaneous().size() <= 255,
           "texts are cut");
@@ -17,7 +18,8 @@ inline void ReadQuestion(const clsTORVATest& test, Long position) {
 
   const Long count = question->CorrectAnswers()->Count();
   String numbers;
-  for (const String& number : test.CorrectAnswersAsArray(position)) numbers += (numbers.empty() ? u"" : u",") + number;
+  for (const String& number : test.CorrectAnswersAsArray(position))
+    numbers += (numbers.empty() ? u"" : u",") + number;
   Require(test.CorrectAnswersAsArray(position, true).Size() == count, "a label for each number of the key");
   Require(test.CorrectAnswersAsString(position, u",", false, true) == numbers, "the key as text and as array");
   test.CorrectAnswersAsString(question->ID());
@@ -54,8 +56,8 @@ inline void ReadTest(const Ref<clsTORVATest>& test, Long maxQuestions) {
   engine.Tests()->Add(test);
   if (!engine.RemoveInvalid(maxQuestions)) return;
   Long supported = 0;
-  for (Long type : {TORVATestQuestionTypeTrueFalse, TORVATestQuestionTypeYesNo, TORVATestQuestionTypeMultipleChoice,
-                    TORVATestQuestionTypeSubjective}) {
+  for (Long type : {TORVATestQuestionTypeTrueFalse, TORVATestQuestionTypeYesNo,
+                    TORVATestQuestionTypeMultipleChoice, TORVATestQuestionTypeSubjective}) {
     supported += test->Questions()->TypeCount(type);
   }
   Require(test->Questions()->Count() == supported, "only supported types stay");

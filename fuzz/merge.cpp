@@ -15,8 +15,9 @@ namespace {
 
 // Few of them, so that they meet again: with another letter case, cut, empty, with what separates lists.
 String SomeText(Decisions& decisions) {
-  static const String texts[] = {u"A", u"a", u"B", u"C", u"D", u"", u"1", u"2", u"(A,B)", u"x\ty", u" b ",
-                                 String(300, u'\u00C9'), String{0xD800}, u"|\\u0041"};
+  static const String texts[] = {u"A",           u"a",       u"B",     u"C",    u"D",   u"",
+                                 u"1",           u"2",       u"(A,B)", u"x\ty", u" b ", String(300, u'\u00C9'),
+                                 String{0xD800}, u"|\\u0041"};
   return texts[decisions.Below(std::size(texts))];
 }
 
@@ -30,8 +31,9 @@ Ref<clsTemplateStrings> SomeLabels(Decisions& decisions) {
 void SetUp(clsTemplateQuestion& question, Decisions& decisions) {
   question.Graded(!decisions.OneIn(4));
   question.Labels(SomeLabels(decisions));
-  question.Values(decisions.OneIn(8) ? SomeLabels(decisions)
-                                     : question.Labels() ? question.Labels()->Copy() : nullptr);
+  question.Values(decisions.OneIn(8)  ? SomeLabels(decisions)
+                  : question.Labels() ? question.Labels()->Copy()
+                                      : nullptr);
   const std::uint8_t rest = decisions.Byte();
   if (rest < 128) return;
   question.Name(SomeText(decisions));
@@ -78,7 +80,8 @@ Ref<clsTORVATestQuestion> SomeQuestion(Decisions& decisions, Long position) {
   for (Long count = decisions.Below(4); count > 0; --count) {
     question->CorrectAnswers()->Add(static_cast<Integer>(decisions.Below(40) - 3));
   }
-  for (Long count = decisions.Below(4); count > 0; --count) question->LearningObjectives()->Add(SomeText(decisions));
+  for (Long count = decisions.Below(4); count > 0; --count)
+    question->LearningObjectives()->Add(SomeText(decisions));
   question->CorrectAnd(!decisions.OneIn(4));
   const std::uint8_t lost = decisions.Byte();
   if (lost == 253) question->Answers(nullptr);

@@ -10,8 +10,8 @@ namespace TORVA35 {
 
 class clsTORVATest;
 
-/// The texts of `QuestionScale`, most often without the copy that it makes: to read them a scale of the test will do.
-/// Good as long as nobody changes the test.
+/// The texts of `QuestionScale`, most often without the copy that it makes: to read them a scale of the test will
+/// do. Good as long as nobody changes the test.
 class ScaleTexts {
  public:
   /// Of a question. What `QuestionScale` reports is reported; there may then be no scale.
