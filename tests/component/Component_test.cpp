@@ -53,7 +53,8 @@ TEST(Component, GivesFactoriesByName) {
     ASSERT_EQ(getClassObject(name.c_str(), &factory), kComponentOk);
     const Ref<Object> object = factory->CreateInstance();
     ASSERT_NE(object, nullptr);
-    const std::string type = typeid(*object).name();
+    const Object& made = *object;
+    const std::string type = typeid(made).name();
     EXPECT_TRUE(type.ends_with(std::string(name.begin(), name.end()) + "E")) << type;
   }
   for (const char16_t* name : {u"clsTORVATests", u"CLSTORVA", u"", static_cast<const char16_t*>(nullptr)}) {

@@ -344,7 +344,7 @@ void NoteAtThreadEnd(void* value) {
 
 TEST(FaultGuard, LargeAlternateStackIsKeptAndASmallOnePutBack) {
   pthread_key_create(&threadEnd, NoteAtThreadEnd);
-  for (const std::size_t size : {1 << 20, 16384}) {
+  for (const std::size_t size : {std::size_t{1} << 20, std::size_t{16384}}) {
     std::vector<char> memory(size);
     AlternateStack stack;
     std::thread([&] {
