@@ -80,8 +80,8 @@ TEST(Text, Utf8BothWays) {
   AppendUtf8(appended, ToUtf8(text));
   EXPECT_EQ(appended, text);
   EXPECT_EQ(FromUtf8(ToUtf8(String{u'a', 0xD800})), u"a\uFFFD");
-  EXPECT_EQ(FromUtf8("\xC0\x80|\xED\xA0\x80|\xF5|\xE2\x82"),
-            u"\uFFFD\uFFFD|\uFFFD\uFFFD\uFFFD|\uFFFD|\uFFFD\uFFFD");
+  EXPECT_EQ(FromUtf8("\xC0\x80|\xED\xA0\x80|\xE0\x9F\xBF|\xF5|\xE2\x82"),
+            u"\uFFFD\uFFFD|\uFFFD\uFFFD\uFFFD|\uFFFD\uFFFD\uFFFD|\uFFFD|\uFFFD\uFFFD");
 }
 
 }  // namespace

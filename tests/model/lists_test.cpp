@@ -257,6 +257,13 @@ TEST_F(Questions, RemovalEmptiesTwoListsOfTheQuestion) {
   EXPECT_TRUE(list->RemoveAll());
 }
 
+TEST_F(Questions, TypeCount) {
+  for (const Long type : {1, 3, 0, 3, 99}) list->Add(Question(Decimal(list->Count()), type));
+  EXPECT_EQ(list->TypeCount(TORVATestQuestionTypeMultipleChoice), 2);
+  EXPECT_EQ(list->TypeCount(0), 1);
+  EXPECT_EQ(list->TypeCount(2), 0);
+}
+
 // Positions are kept, and IDs change behind the back of the list.
 TEST_F(Questions, PositionOfIDFollowsEveryChange) {
   const auto positions = [&] {
