@@ -33,15 +33,16 @@ namespace TORVA35 {
 namespace {
 
 #if defined(TORVA35_SANITIZED)
-constexpr std::size_t kAlternateStackSize = 5 * 64 * 1024;  // instrumented frames are that much larger
+constexpr std::size_t kAlternateStackSize =
+    std::size_t{5} * 64 * 1024;  // instrumented frames are that much larger
 #else
-constexpr std::size_t kAlternateStackSize = 64 * 1024;
+constexpr std::size_t kAlternateStackSize = std::size_t{64} * 1024;
 #endif
 
 // How far below the guard of a stack an access still counts as its overflow: a frame may begin behind the guard.
-constexpr std::uintptr_t kBelowGuard = 64 * 1024;
+constexpr std::uintptr_t kBelowGuard = std::uintptr_t{64} * 1024;
 // Size of the guard below an alternate stack, where handlers run that may have counted on more room.
-constexpr std::size_t kAlternateGuard = 64 * 1024;
+constexpr std::size_t kAlternateGuard = std::size_t{64} * 1024;
 
 constexpr int kSignals[] = {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGTRAP};
 

@@ -51,7 +51,7 @@ void clsTemplate::Clear() {
 Array<String> clsTemplate::QuestionNames(Long lFirst, Long lLast, Long, String, Long, CallSite at) const {
   if (lFirst < 1 || lLast < lFirst - 1 || lLast > AllQuestions(at)) Raise(kSubscriptOutOfRange, at);
   std::vector<String> names;
-  names.reserve(static_cast<std::size_t>(lLast - lFirst + 1));
+  names.reserve(static_cast<std::size_t>(std::int64_t{lLast} - lFirst + 1));
   Long position = 0;
   EachField([&](const clsTemplateField& field) {
     const Ref<clsTemplateQuestions> questions = field.Questions();
