@@ -33,7 +33,8 @@ struct XmlParseError {
 /// around them is one node; so is text that mixes literal characters, character references and entities. Text of
 /// white space alone is no node, except in a CDATA section. Namespaces are not processed. Internal entities
 /// expand, and attributes get their declared values, within limits: a file makes no more than ten times its size,
-/// or 8 MiB. External entities are never opened and contribute nothing, and nothing is validated.
+/// or 8 MiB, and declares no more than 10,000 of them, 1,000 of which may be entities of entities. External
+/// entities are never opened and contribute nothing, and nothing is validated.
 ///
 /// Encodings: UTF-8, UTF-16, ISO-8859-1, US-ASCII and the single-byte code pages that the system's converter
 /// knows.
