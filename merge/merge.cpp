@@ -37,23 +37,23 @@ constexpr const char16_t* kOtherGraded =
 bool clsTORVA::Merge() {
   return Reported(kMerge, false, [&](bool& result) {
     if (Need(tests_).Count() == 0) return Tell(u"Invalid test", kInvalidTest);
-    const Ref<clsTORVATest> test = tests_->Item(1);
+    const Ref<clsTORVATest> test = Need(tests_).Item(1);
     if (templateIn_ == nullptr) return Tell(u"Invalid Template", kInvalidTemplate);
-    if (templateIn_->QuestionCount() == 0) return Tell(u"Invalid Template", kEmptyTemplate);
+    if (Need(templateIn_).QuestionCount() == 0) return Tell(u"Invalid Template", kEmptyTemplate);
     const Ref<clsTORVATestQuestions> questions = Need(test).Questions();
     if (Need(questions).Count() == 0) return Tell(u"Invalid test", kEmptyTest);
     const Long subjective = questions->TypeCount(TORVATestQuestionTypeSubjective);
     const Long graded = CheckedSubtract(questions->Count(), subjective);
-    if (graded > templateIn_->GradedCount()) return Tell(u"Invalid Merge", kMoreGraded);
+    if (graded > Need(templateIn_).GradedCount()) return Tell(u"Invalid Merge", kMoreGraded);
 
     Need(templateOut_).Clear();
-    templateOut_ = templateIn_->Copy(true, false);
+    templateOut_ = Need(templateIn_).Copy(true, false);
     FormMerge merge(*this, *test);
 
     Need(lmf_).Clear();
-    lmf_->PageCount(Need(templateIn_).PageCount());
-    lmf_->Mode(1);
-    lmf_->Prepare();
+    Need(lmf_).PageCount(Need(templateIn_).PageCount());
+    Need(lmf_).Mode(1);
+    Need(lmf_).Prepare();
     merge.EnterObjectives();
 
     const Long excess = CheckedSubtract(Long{Need(templateOut_).GradedCount()}, graded);

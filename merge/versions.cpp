@@ -88,7 +88,7 @@ bool clsTORVATest::AddSequence(const Ref<clsTORVATest>& oTestVersion) {
     if (Need(questions_).Count() != count) {
       ShowDialog(u"Number of Questions",
                  kNumberDiffers + String(kBlankLine) + u"Number of Questions in Test: " +
-                     Decimal(questions_->Count()) + kLine + u"Number of Questions in New Test Version: " +
+                     Decimal(Need(questions_).Count()) + kLine + u"Number of Questions in New Test Version: " +
                      Decimal(count),
                  *this);
       return;
@@ -97,17 +97,17 @@ bool clsTORVATest::AddSequence(const Ref<clsTORVATest>& oTestVersion) {
     version->Answer(name);
     for (Long i = 1; i <= count; ++i) {
       const Ref<clsTORVATestQuestion> other = others->Find(i);
-      if (!questions_->Exists(Need(other).ID())) {
+      if (!Need(questions_).Exists(Need(other).ID())) {
         ShowDialog(u"Invalid Question", kQuestionUnknown + String(kBlankLine) + QuestionFigures(*other), *this);
         return;
       }
-      const Ref<clsTORVATestQuestion> own = questions_->Find(other->ID());
+      const Ref<clsTORVATestQuestion> own = Need(questions_).Find(other->ID());
       if (AnswerKey(Need(own)) != AnswerKey(*other)) {
         ShowDialog(u"Invalid Question", kChoicesScrambled + String(kBlankLine) + QuestionFigures(*other), *this);
         return;
       }
       // Both are questions of this test: the one that moved here, and the one that stood here.
-      if (own->QuestionType() != Need(questions_->Find(i)).QuestionType()) {
+      if (own->QuestionType() != Need(Need(questions_).Find(i)).QuestionType()) {
         ShowDialog(u"Scrambled Sections", kTypesScrambled, *this);
         return;
       }

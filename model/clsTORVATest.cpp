@@ -43,8 +43,9 @@ Long clsTORVATest::NumObjectives() const {
 
 void clsTORVATest::Clear() {
   Reported(kClear, [&] {
-    Need(sequences_).RemoveAll();
-    Need(questions_).RemoveAll();
+    // Held by what the properties give, since a removal may report, and a host then set another list.
+    Need(Sequences()).RemoveAll();
+    Need(Questions()).RemoveAll();
     for (String* text : {&title_, &version_, &id_, &description_, &teacherID_, &createdBy_, &notes_})
       text->clear();
     userDefined_ = false;

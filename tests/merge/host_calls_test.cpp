@@ -20,6 +20,15 @@ TEST_F(HostCalls, AQuestionOutlivesItsPlaceInTheTest) {
             "91 clsTORVATest.QuestionScale, 91 clsTORVATest.CorrectAnswersAsString, 91 clsTORVA.Merge");
 }
 
+TEST_F(HostCalls, AListOutlivesItsPlaceInTheTest) {
+  const auto test = Test({Choice(u"1"), Choice(u"2")});
+  test->Questions()->Item(2)->Answers(nullptr);
+  host->onFailure = [&] { test->Questions(nullptr); };
+  test->Clear();
+  EXPECT_EQ(TakeFailures(), "91 clsTORVATestQuestions.Remove");
+  EXPECT_EQ(test->Source(), TORVATestSourceTypeUnknown);
+}
+
 // Calls the library while it goes.
 class Leaving : public Recorder {
  public:
