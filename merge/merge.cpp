@@ -39,7 +39,7 @@ bool clsTORVA::Merge() {
     if (Need(tests_).Count() == 0) return Tell(u"Invalid test", kInvalidTest);
     const Ref<clsTORVATest> test = Need(tests_).Item(1);
     if (templateIn_ == nullptr) return Tell(u"Invalid Template", kInvalidTemplate);
-    if (Need(templateIn_).QuestionCount() == 0) return Tell(u"Invalid Template", kEmptyTemplate);
+    if (templateIn_->QuestionCount() == 0) return Tell(u"Invalid Template", kEmptyTemplate);
     const Ref<clsTORVATestQuestions> questions = Need(test).Questions();
     if (Need(questions).Count() == 0) return Tell(u"Invalid test", kEmptyTest);
     const Long subjective = questions->TypeCount(TORVATestQuestionTypeSubjective);

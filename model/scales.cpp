@@ -106,13 +106,11 @@ bool ScaleTexts::ReadItself(const clsTORVATest& test, const TaggedValue& vQuesti
       return false;
   }
   if (scale_ == nullptr || !scale_->CopiesAsItIs()) return false;
-  if (question->QuestionType() != TORVATestQuestionTypeMultipleChoice) {
-    count_ = scale_->Count();
-    return true;
-  }
-  const Ref<clsTORVATestStrings> answers = question->Answers();
-  if (answers == nullptr) return false;
-  count_ = answers->Count();
+  // A choice question has a label for each answer, the others have all of their scale.
+  const bool isChoice = question->QuestionType() == TORVATestQuestionTypeMultipleChoice;
+  const Ref<clsTORVATestStrings> counted = isChoice ? question->Answers() : scale_;
+  if (counted == nullptr) return false;
+  count_ = counted->Count();
   return true;
 }
 

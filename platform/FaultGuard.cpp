@@ -33,8 +33,8 @@ namespace TORVA35 {
 namespace {
 
 #if defined(TORVA35_SANITIZED)
-constexpr std::size_t kAlternateStackSize =
-    std::size_t{5} * 64 * 1024;  // instrumented frames are that much larger
+// Instrumented frames are that much larger.
+constexpr std::size_t kAlternateStackSize = std::size_t{5} * 64 * 1024;
 #else
 constexpr std::size_t kAlternateStackSize = std::size_t{64} * 1024;
 #endif
