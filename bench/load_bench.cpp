@@ -12,7 +12,7 @@
 #include <string>
 #include <vector>
 
-#include "TORVA35.h"
+#include <torva35/TORVA35.h>
 #include "bench/ExamViewExport.h"
 #include "bench/MedianReporter.h"
 #include "bench/Yardsticks.h"

@@ -16,7 +16,7 @@
 #include <map>
 #include <string>
 
-#include "TORVA35.h"
+#include <torva35/TORVA35.h>
 #include "bench/CountingMalloc.h"
 #include "bench/MergeSetup.h"
 #include "bench/Yardsticks.h"

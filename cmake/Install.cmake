@@ -2,14 +2,13 @@
 # `cpack` makes Debian packages of. The component Runtime is what a built host needs, Development what building one does.
 include(CMakePackageConfigHelpers)
 
-set(torva35_include_dir ${CMAKE_INSTALL_INCLUDEDIR}/torva35)
 set(torva35_package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/TORVA35)
 
 install(TARGETS torva35_static torva35_shared EXPORT TORVA35Targets
         LIBRARY COMPONENT Runtime NAMELINK_COMPONENT Development
         ARCHIVE COMPONENT Development
-        FILE_SET HEADERS DESTINATION ${torva35_include_dir} COMPONENT Development
-        INCLUDES DESTINATION ${torva35_include_dir})
+        FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT Development
+        INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 install(EXPORT TORVA35Targets NAMESPACE TORVA35:: DESTINATION ${torva35_package_dir} COMPONENT Development)
 
 configure_package_config_file(${CMAKE_CURRENT_LIST_DIR}/TORVA35Config.cmake.in TORVA35Config.cmake

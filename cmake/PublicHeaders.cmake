@@ -1,18 +1,19 @@
-# public_headers(VARIABLE HEADER...): what the headers include of ours, in turn, and they themselves; paths from the root.
-function(public_headers variable)
+# public_headers(VARIABLE FOLDER HEADER...): copies the headers, and what they include of ours in turn, from the project's
+# root to the same places below FOLDER, and gives the copies.
+function(public_headers variable folder)
   set(found "")
   set(next ${ARGN})
   while(next)
     list(POP_FRONT next header)
-    if(header IN_LIST found)
+    if(${folder}/${header} IN_LIST found)
       continue()
     endif()
-    list(APPEND found ${header})
+    # Configures again when the header changes, and so sees a new include.
+    configure_file(${PROJECT_SOURCE_DIR}/${header} ${folder}/${header} COPYONLY)
+    list(APPEND found ${folder}/${header})
     file(STRINGS ${PROJECT_SOURCE_DIR}/${header} includes REGEX "^#include \"")
     list(TRANSFORM includes REPLACE "^#include \"([^\"]+)\".*" "\\1")
     list(APPEND next ${includes})
-    # So that a new include is seen.
-    set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/${header})
   endwhile()
   list(SORT found)
   set(${variable} ${found} PARENT_SCOPE)

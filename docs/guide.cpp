@@ -14,8 +14,8 @@
 #include <utility>
 #include <vector>
 
-#include "TORVA35.h"
-#include "errors/modvbCodeShieldSupport.h"
+#include <torva35/TORVA35.h>
+#include "torva35/errors/modvbCodeShieldSupport.h"
 
 using namespace TORVA35;
 

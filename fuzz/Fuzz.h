@@ -10,11 +10,11 @@
 #include <string>
 #include <string_view>
 
-#include "base/Text.h"
-#include "errors/ErrorObject.h"
-#include "errors/basError.h"
-#include "errors/modStartup.h"
-#include "platform/FaultGuard.h"
+#include "torva35/base/Text.h"
+#include "torva35/errors/ErrorObject.h"
+#include "torva35/errors/basError.h"
+#include "torva35/errors/modStartup.h"
+#include "torva35/platform/FaultGuard.h"
 
 /// What the harnesses have in common. Each of them runs the library on bytes that nobody vouches for, and ends the
 /// process when it does what it must never do.

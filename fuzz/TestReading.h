@@ -1,7 +1,7 @@
 #pragma once
 
 #include "fuzz/Fuzz.h"
-#include "merge/clsTORVA.h"
+#include "torva35/merge/clsTORVA.h"
 
 namespace TORVA35::fuzz {
 

@@ -4,9 +4,9 @@
 #include <iterator>
 
 #include "fuzz/TestReading.h"
-#include "model/basPublic.h"
-#include "platform/clsLmf.h"
 #include "tests/LmfText.h"
+#include "torva35/lmf/clsLmf.h"
+#include "torva35/model/basPublic.h"
 
 using namespace TORVA35;
 

@@ -4,8 +4,8 @@
 #include <vector>
 
 #include "fuzz/Fuzz.h"
-#include "merge/clsTORVA.h"
 #include "tests/LmfText.h"
+#include "torva35/merge/clsTORVA.h"
 
 using namespace TORVA35;
 using fuzz::Decisions;

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Writes base/case_tables.inc from Unicode's UnicodeData.txt (Debian: package unicode-data).
+"""Writes torva35/base/case_tables.inc from Unicode's UnicodeData.txt (Debian: package unicode-data).
 
 Only mappings from one 16-bit unit to one 16-bit unit are kept. A row covers the units first, first + step, ...,
 last, which all move by the same distance.

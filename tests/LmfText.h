@@ -1,7 +1,7 @@
 #pragma once
 
-#include "base/Text.h"
-#include "platform/clsLmf.h"
+#include "torva35/base/Text.h"
+#include "torva35/lmf/clsLmf.h"
 
 namespace TORVA35 {
 

@@ -8,10 +8,10 @@
 #include <string>
 #include <vector>
 
-#include "base/Text.h"
-#include "errors/ErrorObject.h"
-#include "errors/basError.h"
-#include "platform/Desktop.h"
+#include "torva35/base/Text.h"
+#include "torva35/errors/ErrorObject.h"
+#include "torva35/errors/basError.h"
+#include "torva35/platform/Desktop.h"
 
 namespace TORVA35 {
 

@@ -8,7 +8,7 @@
 #include <string>
 #include <string_view>
 
-#include "base/Text.h"
+#include "torva35/base/Text.h"
 
 namespace TORVA35 {
 

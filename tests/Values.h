@@ -2,8 +2,8 @@
 
 #include <initializer_list>
 
-#include "base/Error.h"
-#include "base/Text.h"
+#include "torva35/base/Error.h"
+#include "torva35/base/Text.h"
 
 namespace TORVA35 {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "TORVA35.h"
+#include <torva35/TORVA35.h>
 
 namespace merge_exam {
 

@@ -4,7 +4,7 @@
 #include <fstream>
 #include <string_view>
 
-#include "TORVA35.h"
+#include <torva35/TORVA35.h>
 #include "merge_exam/TextTable.h"
 
 namespace merge_exam {

@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "TORVA35.h"
+#include <torva35/TORVA35.h>
 
 namespace merge_exam {
 

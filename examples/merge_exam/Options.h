@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "TORVA35.h"
+#include <torva35/TORVA35.h>
 #include "merge_exam/Form.h"
 
 namespace merge_exam {

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "TORVA35.h"
+#include <torva35/TORVA35.h>
 
 namespace merge_exam {
 

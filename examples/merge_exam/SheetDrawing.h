@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "TORVA35.h"
+#include <torva35/TORVA35.h>
 
 namespace merge_exam {
 

@@ -6,7 +6,7 @@
 #include <filesystem>
 #include <iostream>
 
-#include "TORVA35.h"
+#include <torva35/TORVA35.h>
 #include "merge_exam/ConsoleErrorObject.h"
 #include "merge_exam/FileRefusal.h"
 #include "merge_exam/Form.h"

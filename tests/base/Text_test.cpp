@@ -1,4 +1,4 @@
-#include "base/Text.h"
+#include "torva35/base/Text.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "platform/Component.h"
+#include "torva35/platform/Component.h"
 
 #include <dlfcn.h>
 #include <gtest/gtest.h>

@@ -1,9 +1,9 @@
 #include "component_user.h"
 
-#include "base/Text.h"
-#include "errors/ErrorObject.h"
-#include "merge/clsTORVA.h"
-#include "model/clsTORVATest.h"
+#include "torva35/base/Text.h"
+#include "torva35/errors/ErrorObject.h"
+#include "torva35/merge/clsTORVA.h"
+#include "torva35/model/clsTORVATest.h"
 
 namespace TORVA35 {
 namespace {

@@ -1,9 +1,14 @@
 // A host that knows the library only as it is installed: consumer EXAMVIEW_FILE merges the test into a form and
-// prints the key. It needs what a real one does: its own error object, virtual members, and failures thrown to it.
+// prints the key. It needs what a real one does: its own error object, virtual members, failures thrown to it, and
+// folders and headers that have the same names as the library's.
 
-#include <TORVA35.h>
+#include <torva35/TORVA35.h>
 
 #include <iostream>
+
+#include "base/Types.h"
+#include "errors/basError.h"
+#include "model/Collection.h"
 
 using namespace TORVA35;
 
@@ -26,7 +31,7 @@ Ref<clsTemplate> Form(Long lQuestions) {
   for (Long q = 1; q <= lQuestions; ++q) {
     oField->Questions()->AddNew();
     oField->Questions()->Item(q)->Graded(true);
-    for (const char16_t* label : {u"1", u"2", u"3", u"4", u"5"}) {
+    for (const char16_t* label : host::Labels{u"1", u"2", u"3", u"4", u"5"}) {
       oField->Questions()->Item(q)->Labels()->Add(label);
       oField->Questions()->Item(q)->Values()->Add(label);
     }
@@ -59,7 +64,7 @@ bool CatchesFailures() {
   try {
     New<clsTemplatePages>()->Item(1);
   } catch (const Error& error) {
-    return error.Number() == 9;
+    return error.Number() == host::kOutOfRange;
   }
   return false;
 }

@@ -1,6 +1,6 @@
 // How a failure becomes one report: of a member, of the error object itself, of a processor fault.
 
-#include "errors/basError.h"
+#include "torva35/errors/basError.h"
 
 #include <gtest/gtest.h>
 
@@ -8,14 +8,14 @@
 #include <stdexcept>
 #include <vector>
 
-#include "base/Text.h"
-#include "errors/ErrorObject.h"
-#include "errors/Reported.h"
-#include "errors/modStartup.h"
-#include "errors/modvbCodeShieldSupport.h"
-#include "platform/Desktop.h"
 #include "tests/platform/Faults.h"
 #include "tests/platform/InChild.h"
+#include "torva35/base/Text.h"
+#include "torva35/errors/ErrorObject.h"
+#include "torva35/errors/Reported.h"
+#include "torva35/errors/modStartup.h"
+#include "torva35/errors/modvbCodeShieldSupport.h"
+#include "torva35/platform/Desktop.h"
 
 namespace TORVA35 {
 namespace {

@@ -13,7 +13,7 @@
 #include <sstream>
 #include <vector>
 
-#include "TORVA35.h"
+#include <torva35/TORVA35.h>
 #include "tests/TempFile.h"
 
 namespace TORVA35 {

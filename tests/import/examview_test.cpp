@@ -2,9 +2,9 @@
 
 #include <random>
 
-#include "model/clsTORVATest.h"
 #include "tests/RecordingHost.h"
 #include "tests/TempFile.h"
+#include "torva35/model/clsTORVATest.h"
 
 namespace TORVA35 {
 namespace {

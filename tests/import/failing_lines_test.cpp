@@ -3,10 +3,10 @@
 #include <fstream>
 #include <stdexcept>
 
-#include "model/basPublic.h"
-#include "model/clsTORVATests.h"
 #include "tests/RecordingHost.h"
 #include "tests/TempFile.h"
+#include "torva35/model/basPublic.h"
+#include "torva35/model/clsTORVATests.h"
 
 namespace TORVA35 {
 namespace {
@@ -49,7 +49,7 @@ const Provoked kProvoked[] = {
 };
 
 std::string SourceLine(const std::string& file, Long line) {
-  std::ifstream source(TEST_DATA "/../../" + file);
+  std::ifstream source(TEST_DATA "/../../torva35/" + file);
   std::string text;
   for (Long i = 0; i < line; ++i) std::getline(source, text);
   return text;

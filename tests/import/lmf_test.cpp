@@ -2,11 +2,11 @@
 
 #include <filesystem>
 
-#include "model/basPublic.h"
-#include "model/clsTORVATest.h"
-#include "platform/clsLmf.h"
 #include "tests/RecordingHost.h"
 #include "tests/Values.h"
+#include "torva35/lmf/clsLmf.h"
+#include "torva35/model/basPublic.h"
+#include "torva35/model/clsTORVATest.h"
 
 namespace TORVA35 {
 namespace {

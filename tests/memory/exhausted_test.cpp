@@ -1,10 +1,10 @@
 // Each allocation of an operation fails alone, and then once more together with all later ones.
 
-#include "errors/Caught.h"
 #include "tests/LmfText.h"
 #include "tests/TempFile.h"
 #include "tests/memory/FailingAllocator.h"
 #include "tests/merge/MergeFixture.h"
+#include "torva35/errors/Caught.h"
 
 namespace TORVA35 {
 namespace {

@@ -3,8 +3,8 @@
 #include <string>
 #include <vector>
 
-#include "merge/clsTORVA.h"
 #include "tests/RecordingHost.h"
+#include "torva35/merge/clsTORVA.h"
 
 namespace TORVA35 {
 

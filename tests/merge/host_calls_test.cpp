@@ -1,7 +1,7 @@
 // What a host does from within a call of ours, and what of a host's own objects is asked.
 
-#include "model/basPublic.h"
 #include "tests/merge/MergeFixture.h"
+#include "torva35/model/basPublic.h"
 
 namespace TORVA35 {
 namespace {

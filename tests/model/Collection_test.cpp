@@ -1,4 +1,4 @@
-#include "model/Collection.h"
+#include "torva35/model/Collection.h"
 
 #include <gtest/gtest.h>
 

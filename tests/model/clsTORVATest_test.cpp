@@ -1,6 +1,6 @@
 // A question, and the test that holds it.
 
-#include "model/clsTORVATest.h"
+#include "torva35/model/clsTORVATest.h"
 
 #include "tests/RecordingHost.h"
 #include "tests/Values.h"

@@ -2,8 +2,8 @@
 
 #include <limits>
 
-#include "model/clsTORVATests.h"
 #include "tests/RecordingHost.h"
+#include "torva35/model/clsTORVATests.h"
 
 namespace TORVA35 {
 namespace {

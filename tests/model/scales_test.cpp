@@ -1,8 +1,8 @@
 #include <cmath>
 
-#include "model/basPublic.h"
-#include "model/clsTORVATest.h"
 #include "tests/RecordingHost.h"
+#include "torva35/model/basPublic.h"
+#include "torva35/model/clsTORVATest.h"
 
 namespace TORVA35 {
 namespace {

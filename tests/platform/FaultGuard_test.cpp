@@ -1,4 +1,4 @@
-#include "platform/FaultGuard.h"
+#include "torva35/platform/FaultGuard.h"
 
 #include <gtest/gtest.h>
 #include <pthread.h>

@@ -7,8 +7,8 @@
 #include <cstring>
 #include <string>
 
-#include "base/Error.h"
-#include "base/Text.h"
+#include "torva35/base/Error.h"
+#include "torva35/base/Text.h"
 
 #if !defined(__has_feature)
 #define __has_feature(feature) 0

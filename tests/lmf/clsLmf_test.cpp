@@ -1,0 +1,119 @@
+#include "torva35/lmf/clsLmf.h"
+
+#include <gtest/gtest.h>
+
+#include <vector>
+
+#include "tests/LmfText.h"
+#include "tests/Values.h"
+
+namespace TORVA35 {
+namespace {
+
+Ref<clsLmfObjective> Objective(String text) {
+  auto objective = New<clsLmfObjective>();
+  objective->Text(std::move(text));
+  return objective;
+}
+
+TEST(clsLmf, ObjectivesHaveOneBuiltInEntryAndKeysWithoutCase) {
+  clsLmf lmf;
+  const auto objectives = lmf.Objectives();
+  objectives->Add(Objective(u"first"), u"first");
+  EXPECT_EQ(lmf.Prepare(), 0);
+  lmf.Prepare();
+  ASSERT_EQ(objectives->Count(), 2);
+  EXPECT_EQ(objectives->Item(1)->Text(), u"(All Questions)");
+  EXPECT_EQ(objectives->KeyOf(2), u"first");  // moved behind the built-in one
+  EXPECT_FALSE(objectives->Exists(u"(All Questions)"));
+
+  objectives->Add(Objective(u"Été"), u"Été");
+  objectives->Add(Objective(u""), u"");
+  for (int i = 0; i < 2; ++i) objectives->Add(Objective(u"no key"));
+  EXPECT_TRUE(objectives->Exists(u"éTÉ") && objectives->Exists(u""));
+  EXPECT_FALSE(objectives->Exists(u"no key"));
+  EXPECT_EQ(Raised([&] { objectives->Add(Objective(u"x"), u"ÉTÉ"); }), kDuplicateKey);
+  EXPECT_EQ(Raised([&] { objectives->Add(Objective(u"x"), 1); }), kTypeMismatch);
+  EXPECT_EQ(Raised([&] { objectives->Add(nullptr, u"x"); }), kNothing);
+  EXPECT_EQ(Raised([&] { objectives->Exists(1); }), kTypeMismatch);
+  EXPECT_EQ(objectives->Count(), 6);
+  EXPECT_FALSE(objectives->Exists(u"x"));
+  lmf.Clear();
+  EXPECT_EQ(objectives->Count(), 0);
+  EXPECT_FALSE(objectives->Exists(u"été"));
+}
+
+TEST(clsLmf, ClearEmptiesTheListsThatWereHandedOut) {
+  clsLmf lmf;
+  const String fresh = LmfText(lmf);
+  const auto questions = lmf.Questions();
+  questions->Add(New<clsLmfQuestion>());
+  lmf.Versions()->Sequences()->AddDefault(1);
+  EXPECT_EQ(lmf.Versions()->VersionMode(), 0);
+  lmf.Versions()->VersionNames()->Add(u"A");
+  EXPECT_EQ(lmf.Versions()->VersionMode(), 2);
+  lmf.Versions()->SequenceQuestion(1);
+  lmf.Description(u"d");
+  lmf.Notes(u"n");
+  lmf.Mode(1);
+  lmf.PageCount(2);
+  lmf.Clear();
+  EXPECT_EQ(LmfText(lmf), fresh);
+  EXPECT_EQ(questions->Count(), 0);
+  EXPECT_EQ(lmf.Questions(), questions);
+}
+
+TEST(clsLmf, FlagHandlesShareOneStore) {
+  auto question = New<clsLmfQuestion>();
+  const auto labels = question->Labels();
+  labels->Add(u"a label that does not fit into the string itself");
+  const auto flags = question->ObjectiveFlags();
+  flags->Add(true);
+  flags->AddFalse(100);
+  flags->Add(true);
+  const auto handle = flags->Item(64);
+  handle->Value(true);
+  std::vector<Long> set;
+  for (Long i = flags->NextTrue(0); i != 0; i = flags->NextTrue(i)) set.push_back(i);
+  EXPECT_EQ(set, (std::vector<Long>{1, 64, 102}));
+  EXPECT_TRUE(*flags->Item(64) && !*flags->Item(63) && !*flags->Item(65));
+  flags->Value(64, false);
+  EXPECT_FALSE(*handle);
+  EXPECT_EQ(flags->NextTrue(500), 0);
+  for (Long position : {0, 103, -1}) {
+    EXPECT_EQ(Raised([&] { flags->Item(position); }), kSubscriptOutOfRange);
+    EXPECT_EQ(Raised([&] { flags->Value(position, true); }), kSubscriptOutOfRange);
+  }
+  EXPECT_EQ(Raised([&] { flags->Add(-1); }), kTypeMismatch);
+  EXPECT_EQ(Raised([&] { flags->AddFalse(-1); }), kInvalidCall);
+
+  question.reset();  // the lists live on
+  EXPECT_EQ(labels->Item(1), u"a label that does not fit into the string itself");
+  EXPECT_TRUE(flags->Value(1));
+  flags->RemoveAll();
+  EXPECT_FALSE(handle->Value());
+  EXPECT_EQ(flags->Count(), 0);
+}
+
+TEST(clsLmf, IndexesOfItsLists) {
+  clsLmf lmf;
+  lmf.Questions()->Add(New<clsLmfQuestion>());
+  EXPECT_EQ(lmf.Questions()->Item(0.6), lmf.Questions()->Item(1));
+  EXPECT_EQ(Raised([&] { lmf.Questions()->Item(2); }), kSubscriptOutOfRange);
+  EXPECT_EQ(Raised([&] { lmf.Questions()->Item(u"1"); }), kTypeMismatch);
+  EXPECT_EQ(Raised([&] { lmf.Versions()->VersionNames()->Item(1); }), kSubscriptOutOfRange);
+  EXPECT_EQ(Raised([&] { lmf.Questions()->Add(nullptr); }), kNothing);
+
+  const auto sequences = lmf.Versions()->Sequences();
+  const auto sequence = New<clsLmfSequence>();
+  sequence->SetOrder(Array<Long>(1, {3, 1, 2}));
+  sequences->Add(sequence);
+  EXPECT_TRUE(sequences->AddDefault(2));  // in front
+  EXPECT_EQ(sequences->Item(1)->Item(2), 2);
+  EXPECT_EQ(sequences->Item(2)->Item(1), 3);
+  EXPECT_EQ(Raised([&] { sequences->Item(1)->Item(3); }), kSubscriptOutOfRange);
+  EXPECT_EQ(Raised([&] { sequences->AddDefault(-1); }), kInvalidCall);
+}
+
+}  // namespace
+}  // namespace TORVA35

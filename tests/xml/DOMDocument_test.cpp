@@ -1,0 +1,227 @@
+#include "torva35/xml/DOMDocument.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "tests/TempFile.h"
+#include "torva35/base/Error.h"
+#include "torva35/base/Text.h"
+
+namespace TORVA35 {
+namespace {
+
+using namespace std::string_literals;
+
+bool Load(DOMDocument& document, std::string_view bytes) {
+  const TempFile file(bytes);
+  return document.load(file.Path());
+}
+
+// The tree below a node in a form that a test can compare: name[attributes](children), texts in quotes.
+String Shape(const IXMLDOMNode& node) {
+  if (node.get_baseName().empty()) {
+    const StringView quote = node.get_nodeName() == u"#text" ? u"'" : u"\"";
+    return String(quote) + node.Text() + String(quote);
+  }
+  String shape = node.get_nodeName();
+  for (Long i = 0; i < node.get_attributes().get_length(); ++i) {
+    const IXMLDOMNode attribute = node.get_attributes().get_item(i);
+    shape += u"[" + attribute.get_nodeName() + u"=" + attribute.Text() + u"]";
+  }
+  const IXMLDOMNodeList children = node.get_childNodes();
+  if (children.get_length() == 0) return shape;
+  shape += u"(";
+  for (Long i = 0; i < children.get_length(); ++i) shape += Shape(children.get_item(i));
+  return shape + u")";
+}
+
+String ShapeOf(std::string_view bytes) {
+  DOMDocument document;
+  return Load(document, bytes) ? Shape(document.selectSingleNode(u"a")) : u"refused";
+}
+
+TEST(DOMDocument, NodesAreElementsTextsAndCdata) {
+  EXPECT_EQ(ShapeOf("<a>\n  <b/>\t<c> x </c>\r\n</a>"), u"a(bc(' x '))");
+  EXPECT_EQ(ShapeOf("<a>one<!-- c -->two<?pi?> three<b/>&#32;&#9;<b/></a>"), u"a('onetwo three'bb)");
+  EXPECT_EQ(ShapeOf("<a>x<![CDATA[ ]]><![CDATA[]]>y</a>"), u"a('x'\" \"\"\"'y')");
+  EXPECT_EQ(ShapeOf("<!DOCTYPE a [<!ENTITY e 'f<b/>g'>]><a>x&e;&lt;&#x41;</a>"), u"a('xf'b'g<A')");
+  EXPECT_EQ(ShapeOf("<a p:x='1' y=' &amp; ' xmlns:p='u'><p:b/></a>"), u"a[p:x=1][y= & ][xmlns:p=u](p:b)");
+  EXPECT_EQ(ShapeOf("<a xml:space='preserve'> <b/> </a>"), u"a[xml:space=preserve](b)");
+}
+
+TEST(DOMDocument, ListsAndMaps) {
+  DOMDocument document;
+  ASSERT_TRUE(Load(document, "<a><q n='1'>x<q n='2'>y<![CDATA[z]]> </q></q><Q/><q n='3' m='4'/></a>"));
+  EXPECT_FALSE(document.selectSingleNode(u"q"));
+  EXPECT_FALSE(document.selectSingleNode(u"A"));
+  IXMLDOMNodeList list = document.getElementsByTagName(u"q");
+  ASSERT_EQ(list.get_length(), 3);
+  EXPECT_EQ(document.getElementsByTagName(u"none").get_length(), 0);
+  const IXMLDOMNode first = list.nextNode();
+  EXPECT_EQ(*first.get_nodeTypedValue().As<String>(), u"xyz");
+  EXPECT_TRUE(first.get_nodeValue().Is<NullValue>());
+  EXPECT_EQ(list.nextNode().Text(), u"yz");
+  const IXMLDOMNode third = list.nextNode();
+  EXPECT_FALSE(list.nextNode());
+  EXPECT_EQ(third.get_attributes().get_length(), 2);
+  EXPECT_EQ(*third.get_attributes().getNamedItem(u"m").get_nodeValue().As<String>(), u"4");
+  EXPECT_FALSE(third.get_attributes().getNamedItem(u"M"));
+  EXPECT_FALSE(third.get_attributes().get_item(2));
+  EXPECT_FALSE(list.get_item(-1));
+  EXPECT_FALSE(list.get_item(3));
+  const IXMLDOMNodeList children = first.get_childNodes();
+  EXPECT_EQ(children.get_item(1).get_nodeName(), u"q");
+  EXPECT_EQ(children.get_item(0).Text(), u"x");
+  EXPECT_EQ(children.get_item(0).get_baseName(), u"");
+  EXPECT_TRUE(document.getElementsByTagName(u"Q").get_item(0).get_attributes());
+  EXPECT_EQ(document.getElementsByTagName(u"Q").get_item(0).get_attributes().get_length(), 0);
+  EXPECT_THROW(list.get_item(3).get_nodeName(), Error);
+}
+
+TEST(DOMDocument, BaseNameIsBehindTheFirstColon) {
+  DOMDocument document;
+  ASSERT_TRUE(Load(document, "<x:y:z w:v='1'/>"));
+  const IXMLDOMNode root = document.selectSingleNode(u"x:y:z");
+  EXPECT_EQ(root.get_baseName(), u"y:z");
+  EXPECT_EQ(root.get_attributes().get_item(0).get_baseName(), u"v");
+}
+
+std::string Utf16Bytes(StringView text, bool big) {
+  std::string bytes;
+  for (char16_t unit : text) {
+    const char high = static_cast<char>(unit >> 8), low = static_cast<char>(unit & 0xFF);
+    bytes += big ? high : low;
+    bytes += big ? low : high;
+  }
+  return bytes;
+}
+
+TEST(DOMDocument, Encodings) {
+  const std::vector<std::pair<std::string, String>> rows = {
+      {"<a>\xC3\xA9</a>", u"é"},
+      {"\xEF\xBB\xBF<a>\xE2\x82\xAC</a>", u"€"},
+      {"<?xml version='1.0' encoding='ISO-8859-1'?><a>\xE9</a>", u"é"},
+      {"<?xml version='1.0' encoding='windows-1252'?><a>\x80\xE9</a>", u"€é"},
+      {"<?xml version='1.0' encoding='ISO-8859-15'?><a>\xA4</a>", u"€"},
+      {"<?xml version='1.0' encoding='KOI8-R'?><a>\xC1</a>", u"а"},
+      {"<?xml version='1.0' encoding='US-ASCII'?><a>x</a>", u"x"},
+      {Utf16Bytes(u"\uFEFF<a>é\U0001F600\U00010000</a>", false), u"é\U0001F600\U00010000"},
+      {Utf16Bytes(u"\uFEFF<a>é\U0001F600</a>", true), u"é\U0001F600"},
+      {Utf16Bytes(u"<?xml version='1.0' encoding='UTF-16'?><a>é</a>", false), u"é"}};
+  for (const auto& [bytes, text] : rows) EXPECT_EQ(ShapeOf(bytes), u"a('" + text + u"')") << bytes;
+}
+
+TEST(DOMDocument, RefusesWithReasonAndPlace) {
+  std::vector<std::string> rows = {"<a>\0</a>"s,
+                                   Utf16Bytes(u"\uFEFF<a>", false) + "\x00\xD8"s + Utf16Bytes(u"x</a>", false),
+                                   Utf16Bytes(u"\uFEFF<a>", true) + "\xDC\x00"s + Utf16Bytes(u"</a>", true)};
+  for (const char* row :
+       {"", "<a>", "<a></b>", "<a/><a/>", "<a>&nope;</a>", "<a x='1' x='2'/>", "text", "PK\x03\x04\x14",
+        "<a>\xFF</a>", "<a>\xC3</a>", "<a>\xED\xA0\x80</a>", "<a>&#xD800;</a>", "<a>\x01</a>",
+        "<?xml version='1.0' encoding='UTF-16'?><a/>", "<?xml version='1.0' encoding='Shift_JIS'?><a/>",
+        "<?xml version='1.0' encoding='no-such'?><a/>", "<?xml version='1.0' encoding='US-ASCII'?><a>\xE9</a>"}) {
+    rows.push_back(row);
+  }
+  for (const std::string& bytes : rows) {
+    DOMDocument document;
+    EXPECT_FALSE(Load(document, bytes)) << bytes;
+    EXPECT_FALSE(document.parseError().reason.empty()) << bytes;
+    EXPECT_FALSE(document.selectSingleNode(u"a"));
+  }
+  DOMDocument document;
+  EXPECT_FALSE(Load(document, "<a>\n  <b>\n</a>"));
+  EXPECT_EQ(document.parseError().line, 3);
+  EXPECT_EQ(document.parseError().column, 3);
+  EXPECT_EQ(document.parseError().byteOffset, 12);
+  for (const String& path : {String(u"/no/such/file"), String(u"/"), String(u""), String(u"/dev/null\0x", 11)}) {
+    EXPECT_FALSE(document.load(path));
+    EXPECT_EQ(document.parseError().line, 0) << ToUtf8(path);
+  }
+  EXPECT_THROW(document.load(5), Error);
+  EXPECT_TRUE(Load(document, "<a/>"));
+  EXPECT_TRUE(document.parseError().reason.empty());
+}
+
+TEST(DOMDocument, NoCutOfADocumentLoads) {
+  const std::string whole =
+      "<?xml version='1.0' encoding='utf-8'?><!DOCTYPE a [<!ENTITY e 'v'>]><a b='c'>t\xC3\xA9<![CDATA[d]]>&e;</a>";
+  for (std::size_t size = 0; size < whole.size(); ++size) {
+    DOMDocument document;
+    EXPECT_FALSE(Load(document, std::string_view(whole).substr(0, size))) << size;
+  }
+}
+
+TEST(DOMDocument, ExternalEntitiesAreNeverOpened) {
+  const TempFile secret("secret");
+  const std::string uri = ToUtf8(secret.Path());
+  EXPECT_EQ(ShapeOf("<!DOCTYPE a [<!ENTITY e SYSTEM '" + uri + "'>]><a>x&e;y</a>"), u"a('xy')");
+  EXPECT_EQ(ShapeOf("<!DOCTYPE a SYSTEM '" + uri + "'><a>x&e;y</a>"), u"a('xy')");
+  EXPECT_EQ(ShapeOf("<!DOCTYPE a [<!ENTITY % p SYSTEM '" + uri + "'> %p;]><a>x</a>"), u"a('x')");
+}
+
+std::string Repeated(std::size_t count, std::string_view text) {
+  std::string result;
+  while (count-- > 0) result += text;
+  return result;
+}
+
+TEST(DOMDocument, HostileShapesLoadOrAreRefused) {
+  constexpr std::size_t kDepth = 1'000'000;
+  DOMDocument document;
+  ASSERT_TRUE(Load(document, Repeated(kDepth, "<a>") + "x" + Repeated(kDepth, "</a>")));
+  EXPECT_EQ(document.getElementsByTagName(u"a").get_length(), Long{kDepth});
+  EXPECT_EQ(document.selectSingleNode(u"a").Text(), u"x");
+
+  std::string attributes;
+  for (int i = 0; i < 100'000; ++i) attributes += " a" + std::to_string(i) + "=''";
+  ASSERT_TRUE(Load(document, "<a" + attributes + "/>"));
+  EXPECT_EQ(document.selectSingleNode(u"a").get_attributes().get_length(), 100'000);
+
+  std::string laughs = "<!ENTITY e0 'ha'>";
+  for (int i = 1; i < 12; ++i) {
+    const std::string inner = "&e" + std::to_string(i - 1) + ";";
+    laughs += "<!ENTITY e" + std::to_string(i) + " '" + Repeated(10, inner) + "'>";
+  }
+  EXPECT_FALSE(Load(document, "<!DOCTYPE a [" + laughs + "]><a>&e11;</a>"));
+
+  // Each entity leads to the next one, so that they would be expanded as deep as there are entities.
+  const auto chain = [](int count) {
+    std::string entities = "<!ENTITY e0 'x'>";
+    for (int i = 1; i <= count; ++i) {
+      entities += "<!ENTITY e" + std::to_string(i) + " '&e" + std::to_string(i - 1) + ";'>";
+    }
+    return "<!DOCTYPE a [" + entities + "]>";
+  };
+  ASSERT_TRUE(Load(document, chain(1000) + "<a b='&e1000;'>&e1000;</a>"));
+  EXPECT_EQ(document.selectSingleNode(u"a").Text(), u"x");
+  EXPECT_FALSE(Load(document, chain(50'000) + "<a/>"));
+  EXPECT_EQ(document.parseError().reason, u"too many entities that refer to others");
+}
+
+std::string WithDefaults(const std::string& declared, std::size_t elements) {
+  return "<!DOCTYPE a [<!ATTLIST b " + declared + ">]><a>\n" + Repeated(elements, "<b></b>\n") + "</a>";
+}
+
+TEST(DOMDocument, DeclaredAttributesAreLimited) {
+  const std::string long1000 = "x CDATA '" + std::string(995, 'v') + "'";  // 1,000 bytes with its name and marks
+  std::string empty;
+  for (int i = 100; i < 1000; ++i) empty += " x" + std::to_string(i) + " CDATA ''";
+  std::string implied;
+  for (int i = 0; i <= 10'000; ++i) implied += " x" + std::to_string(i) + " CDATA #IMPLIED";
+  DOMDocument document;
+  EXPECT_TRUE(Load(document, WithDefaults(long1000, 8'388)));
+  EXPECT_EQ(document.getElementsByTagName(u"b").get_item(8'387).get_attributes().get_item(0).Text().size(), 995u);
+  EXPECT_FALSE(Load(document, WithDefaults(long1000, 8'389)));
+  EXPECT_EQ(document.parseError().reason, u"too much from declared attributes");
+  EXPECT_EQ(document.parseError().line, 8'390);
+  EXPECT_EQ(document.parseError().column, 4);  // behind the tag
+  EXPECT_TRUE(Load(document, "<!--" + std::string(1 << 20, ' ') + "-->" + WithDefaults(long1000, 8'389)));
+  EXPECT_FALSE(Load(document, WithDefaults(empty, 2'000)));
+  EXPECT_FALSE(Load(document, WithDefaults(implied, 1)));
+  EXPECT_EQ(document.parseError().reason, u"too many declarations");
+}
+
+}  // namespace
+}  // namespace TORVA35

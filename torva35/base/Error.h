@@ -1,0 +1,60 @@
+#pragma once
+
+#include <exception>
+#include <string>
+
+#include "torva35/base/CallSite.h"
+#include "torva35/base/Export.h"
+#include "torva35/base/Types.h"
+
+namespace TORVA35 {
+
+/// Numbers of the failures that the library raises itself. Their texts: `StandardText`.
+enum ErrorNumber : Long {
+  kInvalidCall = 5,          ///< an argument has no sense here, such as a key that is not in the list
+  kOverflow = 6,             ///< a number leaves the range of its type
+  kOutOfMemory = 7,          ///< memory is exhausted
+  kSubscriptOutOfRange = 9,  ///< a position that does not exist
+  kTypeMismatch = 13,        ///< a value of a kind that cannot be used here
+  kInternalError = 51,       ///< a host's object threw something else; the description is its `what()`
+  kNothing = 91,             ///< a reference that holds nothing was used
+  kNoSuchMethod = 438,       ///< the error object lacks the method
+  kDuplicateKey = 457,       ///< a key that is in use
+};
+
+/// A failure on its way to the handler of the running member. Members of the engine and of the test model report
+/// it and let none out, but for a few plain properties that say so. Forms, LMF models, the DOM and the basic types
+/// have no handler: what they raise reaches a host that calls them. A host's own object may throw one to say
+/// number and description.
+class TORVA35_API Error : public std::exception {
+ public:
+  /// line: source line of the failing statement, 0 when none is known. source: what raised the failure, for a host
+  /// that looks at it; reports do not carry it.
+  Error(Long number, String description, Long line = 0, String source = {});
+
+  /// What the constructor was given.
+  ///@{
+  Long Number() const { return number_; }
+  const String& Description() const { return description_; }
+  Long Line() const { return line_; }
+  const String& Source() const { return source_; }
+  ///@}
+
+  /// Number and description in UTF-8.
+  const char* what() const noexcept override { return what_.c_str(); }
+
+ private:
+  Long number_;
+  Long line_;
+  String description_;
+  String source_;
+  std::string what_;
+};
+
+/// The text that belongs to a number: that of the table for the numbers above, one general text for all others.
+TORVA35_API String StandardText(Long number);
+
+/// Raises the failure with its standard text, at the line of the caller.
+[[noreturn]] TORVA35_API void Raise(ErrorNumber number, CallSite at = CallSite::Current());
+
+}  // namespace TORVA35

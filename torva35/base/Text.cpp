@@ -1,0 +1,349 @@
+#include "torva35/base/Text.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <cstring>
+#include <iterator>
+#include <limits>
+#include <vector>
+
+namespace TORVA35 {
+namespace {
+
+struct CaseRange {
+  char16_t first, last, step, distance;
+};
+
+#include "torva35/base/case_tables.inc"
+
+template <std::size_t n>
+char16_t Mapped(const CaseRange (&ranges)[n], char16_t unit) {
+  const CaseRange* range = std::upper_bound(std::begin(ranges), std::end(ranges), unit,
+                                            [](char16_t u, const CaseRange& r) { return u < r.first; });
+  if (range == std::begin(ranges)) return unit;
+  --range;
+  if (unit > range->last || (unit - range->first) % range->step != 0) return unit;
+  return static_cast<char16_t>(unit + range->distance);
+}
+
+template <char16_t (*map)(char16_t)>
+String MappedText(StringView text) {
+  String result(text);
+  for (char16_t& unit : result) unit = map(unit);
+  return result;
+}
+
+char16_t LowerAscii(char16_t unit) {
+  return unit >= u'A' && unit <= u'Z' ? static_cast<char16_t>(unit + 32) : unit;
+}
+
+// windows-1252 at 0x80 to 0x9F; 0 where the code page has no character.
+constexpr char16_t kAnsiMiddle[32] = {0x20AC, 0,      0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021,
+                                      0x02C6, 0x2030, 0x0160, 0x2039, 0x0152, 0,      0x017D, 0,
+                                      0,      0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014,
+                                      0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0,      0x017E, 0x0178};
+
+bool IsDigit(char16_t unit) {
+  return unit >= u'0' && unit <= u'9';
+}
+bool IsSkipped(char16_t unit) {
+  return unit == u' ' || unit == u'\t' || unit == u'\n';
+}
+
+// The number at the start of a text, copied out in the form that std::from_chars reads.
+struct ScannedNumber {
+  std::string text;
+  bool negative = false;
+  StringView rest;  // what stands behind it
+};
+
+ScannedNumber ScanNumber(StringView text) {
+  ScannedNumber number;
+  std::size_t i = 0;
+  const auto skip = [&] {
+    while (i < text.size() && IsSkipped(text[i])) ++i;
+  };
+  const auto digits = [&] {
+    std::size_t count = 0;
+    for (skip(); i < text.size() && IsDigit(text[i]); skip(), ++count) number.text += static_cast<char>(text[i++]);
+    return count;
+  };
+  skip();
+  if (i < text.size() && (text[i] == u'+' || text[i] == u'-')) number.negative = text[i++] == u'-';
+  std::size_t count = digits();
+  if (i < text.size() && text[i] == u'.') {
+    ++i;
+    number.text += '.';
+    count += digits();
+  }
+  number.rest = text.substr(i);
+  if (count == 0) {
+    number.text.clear();
+    return number;
+  }
+  if (i < text.size() && (text[i] == u'e' || text[i] == u'E')) {
+    const std::size_t mantissa = number.text.size();
+    ++i;
+    number.text += 'e';
+    skip();
+    if (i < text.size() && (text[i] == u'+' || text[i] == u'-')) number.text += static_cast<char>(text[i++]);
+    if (digits() == 0) {
+      number.text.resize(mantissa);
+    } else {
+      number.rest = text.substr(i);
+    }
+  }
+  return number;
+}
+
+// std::from_chars says "out of range" at both ends; a number without a whole part that counts is the small end.
+bool IsBelowOne(std::string_view number) {
+  const std::size_t mark = number.find('e');
+  const std::string_view mantissa = number.substr(0, mark);
+  std::int64_t exponent = 0;
+  if (mark != number.npos) {
+    std::string_view digits = number.substr(mark + 1);
+    if (digits.front() == '+') digits.remove_prefix(1);
+    const auto read = std::from_chars(digits.data(), digits.data() + digits.size(), exponent);
+    if (read.ec != std::errc()) return digits.front() == '-';
+  }
+  const std::size_t point = std::min(mantissa.find('.'), mantissa.size());
+  const std::size_t leading = mantissa.find_first_of("123456789");
+  if (leading == mantissa.npos) return true;
+  return exponent <= static_cast<std::int64_t>(leading) - static_cast<std::int64_t>(point);
+}
+
+template <class Floating>
+Floating Converted(const ScannedNumber& number, CallSite at) {
+  if (number.text.empty()) return 0;
+  Floating value = 0;
+  const auto read = std::from_chars(number.text.data(), number.text.data() + number.text.size(), value);
+  if (read.ec == std::errc::result_out_of_range) {
+    if (!IsBelowOne(number.text)) Raise(kOverflow, at);
+    value = 0;
+  }
+  return number.negative ? -value : value;
+}
+
+template <class Floating>
+String ShortestText(Floating value) {
+  std::array<char, 64> buffer;
+  if (!std::isfinite(value)) return std::isnan(value) ? u"NaN" : value > 0 ? u"Infinity" : u"-Infinity";
+  if (value == 0) return u"0";
+  // Plain digits where they stay readable, an exponent for the very large and the very small.
+  const Floating size = std::abs(value);
+  const bool plain = size >= Floating(1e-5) && size < Floating(1e15);
+  const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value,
+                                 plain ? std::chars_format::fixed : std::chars_format::scientific);
+  String text(buffer.data(), end.ptr);
+  std::replace(text.begin(), text.end(), u'e', u'E');
+  return text;
+}
+
+// Decodes one character; a byte that begins none stands for U+FFFD alone.
+char32_t DecodeUtf8(std::string_view bytes, std::size_t& i) {
+  constexpr char32_t kReplacement = 0xFFFD;
+  const auto at = [&](std::size_t k) { return static_cast<unsigned char>(bytes[k]); };
+  const unsigned char lead = at(i++);
+  if (lead < 0x80) return lead;
+  const int more = lead >= 0xF0 ? 3 : lead >= 0xE0 ? 2 : 1;
+  if (lead < 0xC2 || lead > 0xF4 || i + static_cast<std::size_t>(more) > bytes.size()) return kReplacement;
+  char32_t code = lead & (0x3F >> more);
+  for (int k = 0; k < more; ++k) {
+    const unsigned char next = at(i + static_cast<std::size_t>(k));
+    if ((next & 0xC0) != 0x80) return kReplacement;
+    code = code << 6 | (next & 0x3F);
+  }
+  const bool tooLong = more == 2 ? code < 0x800 : more == 3 && code < 0x10000;
+  if (tooLong || (code >= 0xD800 && code < 0xE000) || code > 0x10FFFF) return kReplacement;
+  i += static_cast<std::size_t>(more);
+  return code;
+}
+
+void AppendCode(String& text, char32_t code) {
+  if (code < 0x10000) {
+    text += static_cast<char16_t>(code);
+  } else {
+    text += static_cast<char16_t>(0xD7C0 + (code >> 10));
+    text += static_cast<char16_t>(0xDC00 + (code & 0x3FF));
+  }
+}
+
+bool AreAscii(const unsigned char* eight) {
+  std::uint64_t bytes;
+  std::memcpy(&bytes, eight, sizeof(bytes));
+  return (bytes & 0x8080808080808080) == 0;
+}
+
+// How many units the bytes, known to be UTF-8, become: one for each byte, but none for those that continue a
+// character, and two for one of four bytes.
+std::size_t UnitCount(std::string_view bytes) {
+  std::size_t count = bytes.size();
+  const auto* in = reinterpret_cast<const unsigned char*>(bytes.data());
+  const unsigned char* const end = in + bytes.size();
+  while (in != end) {
+    for (; end - in >= 8 && AreAscii(in); in += 8) continue;
+    if (in == end) break;
+    count -= (*in & 0xC0) == 0x80 ? 1u : 0u;
+    count += *in++ >= 0xF0 ? 1u : 0u;
+  }
+  return count;
+}
+
+}  // namespace
+
+StringView Trim(StringView text) {
+  const std::size_t first = text.find_first_not_of(u' ');
+  if (first == text.npos) return {};
+  return text.substr(first, text.find_last_not_of(u' ') - first + 1);
+}
+
+Array<String> Split(StringView text, StringView delimiter) {
+  std::vector<String> parts;
+  if (text.empty()) return {};
+  std::size_t begin = 0;
+  if (!delimiter.empty()) {
+    for (std::size_t end; (end = text.find(delimiter, begin)) != text.npos; begin = end + delimiter.size()) {
+      parts.emplace_back(text.substr(begin, end - begin));
+    }
+  }
+  parts.emplace_back(text.substr(begin));
+  return Array<String>(0, std::move(parts));
+}
+
+char16_t LowerUnit(char16_t unit) {
+  return unit < 0x80 ? LowerAscii(unit) : Mapped(kToLower, unit);
+}
+
+char16_t UpperUnit(char16_t unit) {
+  if (unit < 0x80) return unit >= u'a' && unit <= u'z' ? static_cast<char16_t>(unit - 32) : unit;
+  return Mapped(kToUpper, unit);
+}
+
+// Through both mappings, so that units with one upper case (sigma and final sigma) and units with one lower case
+// (K and the Kelvin sign) meet.
+char16_t FoldUnit(char16_t unit) {
+  return unit < 0x80 ? LowerAscii(unit) : LowerUnit(UpperUnit(unit));
+}
+
+String Lower(StringView text) {
+  return MappedText<LowerUnit>(text);
+}
+String Upper(StringView text) {
+  return MappedText<UpperUnit>(text);
+}
+String Fold(StringView text) {
+  String result(text);
+  for (char16_t& unit : result) unit = unit < 0x80 ? LowerAscii(unit) : FoldUnit(unit);
+  return result;
+}
+
+bool EqualNoCase(StringView left, StringView right) {
+  return std::equal(left.begin(), left.end(), right.begin(), right.end(),
+                    [](char16_t l, char16_t r) { return l == r || FoldUnit(l) == FoldUnit(r); });
+}
+
+Integer AnsiCode(char16_t unit) {
+  if (unit < 0x80 || (unit >= 0xA0 && unit <= 0xFF)) return static_cast<Integer>(unit);
+  const auto* place = std::find(std::begin(kAnsiMiddle), std::end(kAnsiMiddle), unit);
+  return place == std::end(kAnsiMiddle) ? Integer{63} : static_cast<Integer>(0x80 + (place - kAnsiMiddle));
+}
+
+Single LeadingNumber(StringView text, CallSite at) {
+  return Converted<Single>(ScanNumber(text), at);
+}
+
+String Decimal(std::int64_t value) {
+  std::array<char, 24> buffer;
+  const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value);
+  return String(buffer.data(), end.ptr);
+}
+
+String TextOf(const TaggedValue& value, CallSite at) {
+  if (const auto* text = value.As<String>()) return *text;
+  if (const auto* boolean = value.As<bool>()) return *boolean ? u"True" : u"False";
+  if (const auto* number = value.As<Integer>()) return Decimal(*number);
+  if (const auto* number = value.As<Long>()) return Decimal(*number);
+  if (const auto* number = value.As<Single>()) return ShortestText(*number);
+  if (const auto* number = value.As<Double>()) return ShortestText(*number);
+  Raise(kTypeMismatch, at);
+}
+
+bool BooleanOf(StringView text, CallSite at) {
+  if (EqualNoCase(text, u"True")) return true;
+  if (EqualNoCase(text, u"False")) return false;
+  return NumberOf(text, at) != 0;
+}
+
+Double NumberOf(const TaggedValue& value, CallSite at) {
+  if (value.Is<EmptyValue>()) return 0;
+  if (const auto* boolean = value.As<bool>()) return *boolean ? -1 : 0;
+  if (const auto* number = value.As<Integer>()) return *number;
+  if (const auto* number = value.As<Long>()) return *number;
+  if (const auto* number = value.As<Single>()) return static_cast<Double>(*number);
+  if (const auto* number = value.As<Double>()) return *number;
+  const auto* text = value.As<String>();
+  if (text == nullptr) Raise(kTypeMismatch, at);
+  const ScannedNumber number = ScanNumber(*text);
+  if (number.text.empty() || !number.rest.empty()) Raise(kTypeMismatch, at);
+  return Converted<Double>(number, at);
+}
+
+std::string ToUtf8(StringView text) {
+  std::string bytes;
+  bytes.reserve(text.size());
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    char32_t code = text[i];
+    if (code >= 0xD800 && code < 0xE000) {
+      const bool pair = code < 0xDC00 && i + 1 < text.size() && text[i + 1] >= 0xDC00 && text[i + 1] < 0xE000;
+      code = pair ? 0x10000 + ((code - 0xD800) << 10) + (text[++i] - 0xDC00u) : 0xFFFD;
+    }
+    if (code < 0x80) {
+      bytes += static_cast<char>(code);
+      continue;
+    }
+    const int more = code < 0x800 ? 1 : code < 0x10000 ? 2 : 3;
+    bytes += static_cast<char>(((0xFF00 >> (more + 1)) & 0xFF) | code >> (6 * more));
+    for (int k = more - 1; k >= 0; --k) bytes += static_cast<char>(0x80 | (code >> (6 * k) & 0x3F));
+  }
+  return bytes;
+}
+
+String FromUtf8(std::string_view bytes) {
+  String text;
+  text.reserve(bytes.size());
+  for (std::size_t i = 0; i < bytes.size();) AppendCode(text, DecodeUtf8(bytes, i));
+  return text;
+}
+
+void AppendUtf8(String& text, std::string_view bytes) {
+  const std::size_t start = text.size();
+  text.resize(start + UnitCount(bytes));
+  char16_t* out = text.data() + start;
+  const auto* in = reinterpret_cast<const unsigned char*>(bytes.data());
+  const unsigned char* const end = in + bytes.size();
+  while (in != end) {
+    // Most texts are ASCII, which widens eight at a time.
+    for (; end - in >= 8 && AreAscii(in); in += 8, out += 8) std::copy(in, in + 8, out);
+    if (in == end) return;
+    const char32_t lead = *in++;
+    if (lead < 0x80) {
+      *out++ = static_cast<char16_t>(lead);
+    } else if (lead < 0xE0) {
+      *out++ = static_cast<char16_t>((lead & 0x1F) << 6 | (in[0] & 0x3Fu));
+      in += 1;
+    } else if (lead < 0xF0) {
+      *out++ = static_cast<char16_t>((lead & 0x0F) << 12 | (in[0] & 0x3Fu) << 6 | (in[1] & 0x3Fu));
+      in += 2;
+    } else {
+      const char32_t code = (lead & 0x07) << 18 | (in[0] & 0x3Fu) << 12 | (in[1] & 0x3Fu) << 6 | (in[2] & 0x3Fu);
+      *out++ = static_cast<char16_t>(0xD7C0 + (code >> 10));
+      *out++ = static_cast<char16_t>(0xDC00 + (code & 0x3FF));
+      in += 3;
+    }
+  }
+}
+
+}  // namespace TORVA35

@@ -1,0 +1,204 @@
+// A test from an LMF file: its scored questions, with kinds and keys worked out from texts.
+
+#include <cmath>
+#include <limits>
+#include <typeinfo>
+#include <unordered_map>
+
+#include "torva35/base/Arithmetic.h"
+#include "torva35/base/Text.h"
+#include "torva35/errors/Reported.h"
+#include "torva35/errors/basError.h"
+#include "torva35/lmf/clsLmf.h"
+#include "torva35/model/basPublic.h"
+#include "torva35/model/clsTORVATest.h"
+
+namespace TORVA35 {
+namespace {
+
+constexpr Location kLoadLMF(u"TORVA35 - clsTORVATest.LoadLMF");
+constexpr Location kBuildTestFromLMF(u"TORVA35 - basPublic.BuildTestFromLMF");
+
+constexpr Long kStoresVersions = 2;
+
+Single ToSingle(Double value, CallSite at = CallSite::Current()) {
+  const auto narrowed = static_cast<Single>(value);
+  if (std::isinf(narrowed) && !std::isinf(value)) Raise(kOverflow, at);
+  return narrowed;
+}
+
+bool BeginsWith(const String& text, char16_t letter) {
+  return !text.empty() && FoldUnit(text.front()) == FoldUnit(letter);
+}
+
+Long KindOf(const clsTORVATestStrings& answers) {
+  const Long count = answers.Count();
+  if (count == 0) return TORVATestQuestionTypeUnknown;
+  if (count == 2) {
+    const String first = answers.Item(1);
+    const String second = answers.Item(2);
+    if (BeginsWith(first, u'Y') && BeginsWith(second, u'N')) return TORVATestQuestionTypeYesNo;
+    if (BeginsWith(first, u'T') && BeginsWith(second, u'F')) return TORVATestQuestionTypeTrueFalse;
+  }
+  return TORVATestQuestionTypeMultipleChoice;
+}
+
+// The key is one text of answers, such as "(A,C)". One that is no answer of the question is dropped.
+void ReadAnswerKey(const clsLmfQuestion& from, const clsTORVATestStrings& answers, clsTORVATestCorrect& correct) {
+  const Ref<clsLmfStrings> key = from.CorrectLabels();
+  if (Need(key).Count() == 0) return;
+  const String text = key->Item(1);
+  StringView labels = text;
+  if (labels.starts_with(u'(') && labels.ends_with(u')')) labels = labels.substr(1, labels.size() - 2);
+  // The first answer with exactly this text counts. A file may give a question as many as it can hold.
+  std::unordered_map<StringView, Long> positions;
+  const Long count = answers.Count();
+  for (Long i = 1; i <= count; ++i) positions.emplace(Need(answers.Find(i)), i);
+  for (const String& label : Split(labels, u",")) {
+    const auto found = positions.find(label);
+    if (found != positions.end()) correct.Add(Narrow<Integer>(found->second));
+  }
+}
+
+// Position of the next True flag behind k, at most `count`, or 0. A flag that is missing up to there is raised.
+Long NextTrue(const clsLmfObjectiveFlags& flags, Long k, Long count, CallSite at = CallSite::Current()) {
+  // A host's own flags are asked one by one, ours as packed bits.
+  if (typeid(flags) != typeid(clsLmfObjectiveFlags)) {
+    while (++k <= count) {
+      if (Need(flags.Item(k, at), at).Value()) return k;
+    }
+    return 0;
+  }
+  k = flags.NextTrue(k);
+  if (k != 0 && k <= count) return k;
+  if (flags.Count() < count) Raise(kSubscriptOutOfRange, at);
+  return 0;
+}
+
+// The first objective of a file is the built-in one, which is never taken over.
+void ReadObjectives(const clsLmfQuestion& from, const clsLmfObjectives& all, clsTORVATestStrings& objectives) {
+  const Ref<clsLmfObjectiveFlags> flags = from.ObjectiveFlags();
+  const Long count = all.Count();
+  if (count < 2) return;
+  for (Long k = NextTrue(Need(flags), 1, count); k != 0; k = NextTrue(*flags, k, count)) {
+    const String text(Trim(Need(all.Item(k)).Text()));
+    if (!objectives.Exists(text)) objectives.Add(text, text);
+  }
+}
+
+Ref<clsTORVATestQuestion> ReadQuestion(const clsLmfQuestion& from, Long position,
+                                       const clsLmfObjectives& objectives) {
+  auto question = New<clsTORVATestQuestion>();
+  clsTORVATestStrings& answers = Need(question->Answers());
+  const Ref<clsLmfStrings> labels = from.Labels();
+  if (Need(labels).Count() > 0) answers.AddArray(labels->AsArray());
+  question->CorrectAnd(from.CorrectAnd());
+  question->CorrectPoints(ToSingle(from.CorrectPoints()));
+  question->Difficulty(from.Difficulty());
+  question->ID(Decimal(position));
+  question->IncorrectPoints(ToSingle(from.IncorrectPoints()));
+  question->Keywords(from.Keywords());
+  question->Miscellaneous(from.Miscellaneous());
+  question->NoResponsePoints(ToSingle(from.NoResponsePoints()));
+  question->Notes(from.Notes());
+  question->QuestionText(from.Text());
+  if (from.Subjective()) {
+    question->QuestionType(TORVATestQuestionTypeSubjective);
+    question->SubjectivePoints(ToSingle(from.SubjectivePoints()));
+  } else {
+    ReadAnswerKey(from, answers, Need(question->CorrectAnswers()));
+    question->QuestionType(KindOf(answers));
+  }
+  question->Reference(from.Reference());
+  ReadObjectives(from, objectives, Need(question->LearningObjectives()));
+  question->Topic(from.Topic());
+  return question;
+}
+
+// Subjective questions count only as a closed block at the end of the test.
+void RemoveMisplacedSubjective(clsTORVATestQuestions& questions) {
+  bool inLastBlock = true;
+  for (Long i = questions.Count(); i >= 1; --i) {
+    if (Need(questions.Find(i)).QuestionType() != TORVATestQuestionTypeSubjective) {
+      inLastBlock = false;
+    } else if (!inLastBlock) {
+      questions.Remove(i);
+    }
+  }
+}
+
+void ReadVersions(const clsLmfVersions& from, clsTORVATest& test) {
+  const Ref<clsTORVATestSequences> versions = test.Sequences();
+  if (from.VersionMode() != kStoresVersions) {
+    Need(versions).AddDefault(test.Questions(), u"A");
+    return;
+  }
+  const Long count = Need(from.Sequences()).Count();
+  for (Long n = 1; n <= count; ++n) {
+    const auto version = New<clsTORVATestSequence>();
+    version->Answer(Need(from.VersionNames()).Item(n));
+    const Ref<clsLmfSequence> order = Need(from.Sequences()).Item(n);
+    const Long length = Need(order).Count();
+    for (Long i = 1; i <= length; ++i) {
+      const String id = Decimal(order->Item(i));
+      if (Need(test.Questions()).Exists(id)) Need(version->Order()).Add(id);
+    }
+    Need(versions).Add(version);
+  }
+}
+
+// The answers of the first multiple-choice question at an odd or at an even position.
+void ReadScale(const clsTORVATestQuestions& questions, bool odd, const Ref<clsTORVATestStrings>& scale) {
+  const Long count = questions.Count();
+  for (Long i = odd ? 1 : 2; i <= count; i += 2) {
+    const Ref<clsTORVATestQuestion> question = questions.Find(i);
+    if (Need(question).QuestionType() != TORVATestQuestionTypeMultipleChoice) continue;
+    Need(scale).RemoveAll();
+    scale->AddArray(Need(question->Answers()).AsArray(1));
+    return;
+  }
+}
+
+}  // namespace
+
+bool clsTORVATest::LoadLMF(const String& sLMFFile) {
+  return Reported(kLoadLMF, false, [&](bool& result) {
+    const auto lmf = New<clsLmf>();
+    if (!lmf->Open(sLMFFile)) return;
+    Clear();
+    Ref<clsTORVATest> self = weak_from_this().lock();
+    if (self == nullptr) self = NotOwned(*this);
+    if (!basPublic::BuildTestFromLMF(self, lmf)) return;
+    if (const std::size_t separator = sLMFFile.rfind(u'\\'); separator != String::npos) {
+      const String name = sLMFFile.substr(separator + 1);
+      Title(name.substr(0, name.rfind(u'.')));
+    }
+    if (TrimScales()) result = Need(questions_).Count() >= 1;
+  });
+}
+
+bool basPublic::BuildTestFromLMF(const Ref<clsTORVATest>& oTest, const Ref<clsLmf>& oLmf) {
+  return Reported(kBuildTestFromLMF, false, [&](bool& result) {
+    if (oLmf == nullptr || oTest == nullptr) return;
+    oTest->SetError(basError::goErr());
+    oTest->UserDefined(true);
+    oTest->Description(oLmf->Description());
+    oTest->Notes(oLmf->Notes());
+    oTest->Source(TORVATestSourceTypeLMF);
+    bool hasSubjective = false;
+    const Long count = Need(oLmf->Questions()).Count();
+    for (Long i = 1; i <= count; ++i) {
+      const Ref<clsLmfQuestion> from = oLmf->Questions()->Item(i);
+      if (!Need(from).Graded() && !from->Subjective()) continue;
+      if (from->Subjective()) hasSubjective = true;
+      Need(oTest->Questions()).Add(ReadQuestion(*from, i, Need(oLmf->Objectives())));
+    }
+    if (hasSubjective) RemoveMisplacedSubjective(Need(oTest->Questions()));
+    ReadVersions(Need(oLmf->Versions()), *oTest);
+    ReadScale(Need(oTest->Questions()), true, oTest->MultipleChoiceOddScale());
+    ReadScale(Need(oTest->Questions()), false, oTest->MultipleChoiceEvenScale());
+    result = true;
+  });
+}
+
+}  // namespace TORVA35

@@ -1,0 +1,252 @@
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <cstdio>
+#include <string>
+
+#include "torva35/base/Text.h"
+#include "torva35/lmf/LmfFile.h"
+#include "torva35/platform/FileReplacement.h"
+
+namespace TORVA35 {
+namespace lmf_file {
+namespace {
+
+constexpr std::size_t kBuffer = 1 << 16;
+
+bool IsLead(char16_t unit) {
+  return unit >= 0xD800 && unit <= 0xDBFF;
+}
+
+bool IsTrail(char16_t unit) {
+  return unit >= 0xDC00 && unit <= 0xDFFF;
+}
+
+void AppendEscaped(std::string& out, char16_t unit) {
+  char escaped[7];
+  std::snprintf(escaped, sizeof(escaped), "\\u%04X", static_cast<unsigned>(unit));
+  out += escaped;
+}
+
+/// Appends the text in the form in which an attribute holds it. inList: it is an entry of a list.
+void AppendText(std::string& out, StringView text, bool inList) {
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const char16_t unit = text[i];
+    const bool pair = IsLead(unit) && i + 1 < text.size() && IsTrail(text[i + 1]);
+    if (unit == u'&') {
+      out += "&amp;";
+    } else if (unit == u'<') {
+      out += "&lt;";
+    } else if (unit == u'"') {
+      out += "&quot;";
+    } else if (unit == u'\\') {
+      out += "\\\\";
+    } else if (pair) {
+      out += ToUtf8(text.substr(i++, 2));
+    } else if (unit < 0x20 || (unit == u'|' && inList) || IsLead(unit) || IsTrail(unit) || unit >= 0xFFFE) {
+      AppendEscaped(out, unit);
+    } else if (unit < 0x80) {
+      out += static_cast<char>(unit);
+    } else {
+      out += ToUtf8(text.substr(i, 1));
+    }
+  }
+}
+
+class Writer {
+ public:
+  explicit Writer(const String& path) : file_(path) { buffer_.reserve(2 * kBuffer); }
+
+  bool Write(const clsLmf& lmf) {
+    buffer_ += "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<lmf version=\"";
+    buffer_ += kVersion;
+    buffer_ += '"';
+    Attribute("description", lmf.Description());
+    Attribute("notes", lmf.Notes());
+    Attribute("mode", lmf.Mode());
+    Attribute("pageCount", lmf.PageCount());
+    buffer_ += ">\n";
+    WriteObjectives(*lmf.Objectives());
+    WriteQuestions(*lmf.Questions());
+    WriteVersions(*lmf.Versions());
+    WriteCheck();
+    return file_.Commit();
+  }
+
+ private:
+  void WriteObjectives(const clsLmfObjectives& objectives) {
+    buffer_ += "<objectives>\n";
+    flagsInFront_ = objectives.HasBuiltIn() ? 0 : 1;
+    if (!objectives.HasBuiltIn()) {
+      clsLmfObjectives builtIn;
+      builtIn.AddBuiltIn();
+      WriteObjective(builtIn, 1);
+    }
+    for (Long i = 1; i <= objectives.Count(); ++i) WriteObjective(objectives, i);
+    buffer_ += "</objectives>\n";
+  }
+
+  void WriteObjective(const clsLmfObjectives& objectives, Long position) {
+    buffer_ += "<objective";
+    Attribute("text", objectives.Item(position)->Text());
+    // An empty key is a key, too.
+    if (const auto key = objectives.KeyOf(position)) {
+      Begin("key");
+      AppendText(buffer_, *key, false);
+      buffer_ += '"';
+    }
+    buffer_ += "/>\n";
+    FlushFull();
+  }
+
+  void WriteQuestions(const clsLmfQuestions& questions) {
+    buffer_ += "<questions>\n";
+    for (Long i = 1; i <= questions.Count(); ++i) {
+      const Ref<clsLmfQuestion> question = questions.Item(i);
+      buffer_ += "<question";
+      for (const Column& column : kColumns) {
+        std::visit([&](const auto& member) { Member(column.name, member, *question); }, column.member);
+      }
+      buffer_ += "/>\n";
+      FlushFull();
+    }
+    buffer_ += "</questions>\n";
+  }
+
+  void WriteVersions(const clsLmfVersions& versions) {
+    buffer_ += "<versions";
+    Attribute("sequenceQuestion", versions.SequenceQuestion());
+    Attribute("names", *versions.VersionNames());
+    buffer_ += ">\n";
+    const Ref<clsLmfSequences> sequences = versions.Sequences();
+    for (Long i = 1; i <= sequences->Count(); ++i) {
+      const Ref<clsLmfSequence> sequence = sequences->Item(i);
+      buffer_ += "<sequence>";
+      for (Long k = 1; k <= sequence->Count(); ++k) {
+        if (k > 1) buffer_ += ' ';
+        AppendNumber(sequence->Item(k));
+        FlushFull();
+      }
+      buffer_ += "</sequence>\n";
+    }
+    buffer_ += "</versions>\n";
+  }
+
+  void WriteCheck() {
+    Flush();
+    char digits[kCheckDigits + 1];
+    std::snprintf(digits, sizeof(digits), "%08x", static_cast<unsigned>(crc_));
+    buffer_ += kCheckBegin;
+    buffer_ += digits;
+    buffer_ += kCheckEnd;
+    Flush();
+  }
+
+  template <class T>
+  void Member(std::string_view name, const Property<T>& property, const clsLmfQuestion& question) {
+    Attribute(name, (question.*property.get)());
+  }
+  template <class T>
+  void Member(std::string_view name, const List<T>& list, const clsLmfQuestion& question) {
+    Attribute(name, *(question.*list.get)());
+  }
+
+  // What a fresh object has is left out: the empty text, False, 0 and the empty list.
+  void Attribute(std::string_view name, const String& text) {
+    if (text.empty()) return;
+    Begin(name);
+    AppendText(buffer_, text, false);
+    buffer_ += '"';
+  }
+  template <class Number>
+  requires std::is_arithmetic_v<Number>
+  void Attribute(std::string_view name, Number value) {
+    // The sign of a zero counts, too.
+    if (value == 0 && !std::signbit(static_cast<Double>(value))) return;
+    Begin(name);
+    if constexpr (std::is_same_v<Number, bool>) {
+      buffer_ += '1';
+    } else {
+      AppendNumber(value);
+    }
+    buffer_ += '"';
+  }
+  void Attribute(std::string_view name, const clsLmfStrings& strings) {
+    const Long count = strings.Count();
+    if (count == 0) return;
+    Begin(name);
+    for (Long i = 1; i <= count; ++i) {
+      AppendText(buffer_, strings.Item(i), true);
+      buffer_ += '|';
+    }
+    buffer_ += '"';
+  }
+  void Attribute(std::string_view name, const clsLmfObjectiveFlags& flags) {
+    if (flags.Count() == 0) return;
+    const std::size_t count = static_cast<std::size_t>(flags.Count()) + flagsInFront_;
+    Begin(name);
+    AppendNumber(count);
+    buffer_ += ':';
+    std::string digits((count + 3) / 4, '\0');
+    for (Long i = flags.NextTrue(0); i != 0; i = flags.NextTrue(i)) {
+      const std::size_t place = static_cast<std::size_t>(i) - 1 + flagsInFront_;
+      digits[place / 4] = static_cast<char>(digits[place / 4] | 8 >> place % 4);
+    }
+    for (const char digit : digits) buffer_ += "0123456789abcdef"[static_cast<unsigned char>(digit)];
+    buffer_ += '"';
+  }
+
+  void Begin(std::string_view name) {
+    buffer_ += ' ';
+    buffer_ += name;
+    buffer_ += "=\"";
+  }
+
+  // A Double in the shortest form that reads back as the same value.
+  template <class Number>
+  void AppendNumber(Number value) {
+    char text[32];
+    buffer_.append(text, std::to_chars(text, text + sizeof(text), value).ptr);
+  }
+
+  void FlushFull() {
+    if (buffer_.size() >= kBuffer) Flush();
+  }
+  void Flush() {
+    crc_ = Crc32(crc_, buffer_);
+    file_.Write(buffer_);
+    buffer_.clear();
+  }
+
+  FileReplacement file_;
+  std::string buffer_;
+  std::uint32_t crc_ = 0;
+  std::size_t flagsInFront_ = 0;  // of each question, for a built-in objective that the model lacks
+};
+
+constexpr std::array<std::uint32_t, 256> CrcTable() {
+  std::array<std::uint32_t, 256> table{};
+  for (std::uint32_t byte = 0; byte < table.size(); ++byte) {
+    std::uint32_t crc = byte;
+    for (int bit = 0; bit < 8; ++bit) crc = crc >> 1 ^ (crc & 1 ? 0xEDB88320 : 0);
+    table[byte] = crc;
+  }
+  return table;
+}
+
+}  // namespace
+
+std::uint32_t Crc32(std::uint32_t crc, std::string_view bytes) {
+  static constexpr auto kTable = CrcTable();
+  crc = ~crc;
+  for (const char byte : bytes) crc = crc >> 8 ^ kTable[(crc ^ static_cast<unsigned char>(byte)) & 0xFF];
+  return ~crc;
+}
+
+}  // namespace lmf_file
+
+bool WriteLmf(const clsLmf& oLmf, const String& sPath) {
+  return lmf_file::Writer(sPath).Write(oLmf);
+}
+
+}  // namespace TORVA35

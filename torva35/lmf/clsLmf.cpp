@@ -1,0 +1,47 @@
+#include "torva35/lmf/clsLmf.h"
+
+#include <new>
+
+#include "torva35/lmf/LmfFile.h"
+
+namespace TORVA35 {
+
+clsLmf::clsLmf()
+    : questions_(New<clsLmfQuestions>()), versions_(New<clsLmfVersions>()), objectives_(New<clsLmfObjectives>()) {}
+
+Integer clsLmf::Prepare() {
+  Objectives()->AddBuiltIn();
+  return 0;
+}
+
+void clsLmf::Clear() {
+  Questions()->RemoveAll();
+  Versions()->Clear();
+  Objectives()->RemoveAll();
+  Description({});
+  Notes({});
+  Mode(0);
+  PageCount(0);
+}
+
+bool clsLmf::Open(String sPath) {
+  Clear();
+  try {
+    if (ReadLmf(sPath, *this)) return true;
+  } catch (...) {
+    Clear();
+    throw;
+  }
+  Clear();
+  return false;
+}
+
+bool clsLmf::Save(String sPath) const {
+  try {
+    return WriteLmf(*this, sPath);
+  } catch (const std::bad_alloc&) {
+    return false;
+  }
+}
+
+}  // namespace TORVA35

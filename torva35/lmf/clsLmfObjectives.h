@@ -1,0 +1,51 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <unordered_set>
+#include <utility>
+#include <vector>
+
+#include "torva35/base/ObjectList.h"
+
+namespace TORVA35 {
+
+/// One learning objective of an LMF file.
+class TORVA35_API clsLmfObjective : public Object {
+ public:
+  /// The objective's text, stored whole.
+  virtual String Text() const { return text_; }
+  virtual void Text(String sText) { text_ = std::move(sText); }
+
+ private:
+  String text_;
+};
+
+/// The learning objectives of an LMF file, with keys that compare without regard to case. After `clsLmf::Prepare`
+/// or `Open` the first one is built in: "(All Questions)", without a key, so that no objective of a test meets it.
+class TORVA35_API clsLmfObjectives : public ObjectList<clsLmfObjective> {
+ public:
+  /// Appends the objective itself, not a copy. Key: a String, or left out for none; later changes of the
+  /// objective's text do not change it. Raises 91 when there is no objective, 13 for a key that is no String and
+  /// 457 for a key in use, and then changes nothing.
+  virtual void Add(Ref<clsLmfObjective> oObjective, const TaggedValue& Key = Missing,
+                   CallSite at = CallSite::Current());
+  /// True when the list has an objective with this key. Raises 13 for a key that is no String.
+  virtual bool Exists(const TaggedValue& Key, CallSite at = CallSite::Current()) const;
+
+  /// Puts the built-in objective in front, unless it stands there.
+  void AddBuiltIn();
+  /// Whether it stands there.
+  bool HasBuiltIn() const { return hasBuiltIn_; }
+  /// The key that the objective at a position was added with, or nothing. Raises like `Item`.
+  std::optional<String> KeyOf(Long lPosition, CallSite at = CallSite::Current()) const;
+  /// Removes the built-in objective, too.
+  void RemoveAll();
+
+ private:
+  std::vector<std::optional<String>> keys_;  // parallel to the objectives
+  std::unordered_set<String> foldedKeys_;
+  bool hasBuiltIn_ = false;
+};
+
+}  // namespace TORVA35

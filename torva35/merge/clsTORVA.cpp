@@ -1,0 +1,40 @@
+#include "torva35/merge/clsTORVA.h"
+
+#include "torva35/errors/Reported.h"
+#include "torva35/errors/basError.h"
+#include "torva35/merge/Dialogs.h"
+
+namespace TORVA35 {
+namespace {
+
+constexpr Location kInitialize(u"TORVA35 - clsTORVA.Class_Initialize");
+constexpr Location kTerminate(u"TORVA35 - clsTORVA.Class_Terminate");
+constexpr Location kSetError(u"TORVA35 - clsTORVA.SetError");
+
+}  // namespace
+
+clsTORVA::clsTORVA() {
+  ReportedConstruction(kInitialize, [&] {
+    tests_ = New<clsTORVATests>();
+    lmf_ = New<clsLmf>();
+  });
+}
+
+clsTORVA::~clsTORVA() {
+  Reported(kTerminate, [&] {
+    templateIn_.reset();
+    templateOut_.reset();
+    tests_.reset();
+    lmf_.reset();
+  });
+}
+
+bool clsTORVA::SetError(const Ref<Object>& oErr) {
+  return Reported(kSetError, false, [&](bool& result) { result = basError::ReplaceErrorObject(oErr); });
+}
+
+void clsTORVA::Tell(const char16_t* title, String text, CallSite at) {
+  if (verbose_) ShowDialog(title, std::move(text), *this, at);
+}
+
+}  // namespace TORVA35

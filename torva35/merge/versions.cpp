@@ -1,0 +1,193 @@
+// Versions of a test: the same questions with the same keys, in another order.
+
+#include <vector>
+
+#include "torva35/base/Arithmetic.h"
+#include "torva35/base/Text.h"
+#include "torva35/errors/Reported.h"
+#include "torva35/merge/Dialogs.h"
+#include "torva35/merge/clsTORVA.h"
+#include "torva35/model/clsTORVATest.h"
+
+namespace TORVA35 {
+namespace {
+
+constexpr Location kAddSequence(u"TORVA35 - clsTORVATest.AddSequence");
+constexpr Location kValidTestVersions(u"TORVA35 - clsTORVA.ValidTestVersions");
+constexpr Location kBuildSequences(u"TORVA35 - clsTORVA.BuildSequences");
+
+// In the order in which AddSequence can show them.
+constexpr const char16_t* kVersionExists = u"Operation cannot be completed. The new version already exists.";
+constexpr const char16_t* kNumberDiffers =
+    u"Operation cannot be completed. The new version of the test contains a different number of questions.";
+constexpr const char16_t* kQuestionUnknown =
+    u"Operation cannot be completed. The new version of the test contains a question that does not exist.";
+constexpr const char16_t* kChoicesScrambled =
+    u"Operation cannot be completed. Scrambled answer choices are not supported.";
+constexpr const char16_t* kTypesScrambled =
+    u"Operation cannot be completed. Scrambling different types of questions together is not supported.";
+
+// Likewise for ValidTestVersions.
+constexpr const char16_t* kInvalidTestVersions = u"Invalid Test Versions";
+constexpr const char16_t* kCountDiffers =
+    u"An error occurred validating the additional test versions. An additional test contains a different number "
+    u"of "
+    u"questions from the original. Operation aborted.";
+constexpr const char16_t* kQuestionMissing =
+    u"An error occurred validating the additional test versions. An additional test does not contain the same set "
+    u"of "
+    u"questions. Operation aborted.";
+constexpr const char16_t* kAnswersDiffer =
+    u"An error occurred validating the additional test versions. An additional test does not contain the same "
+    u"number "
+    u"of distractors as the original. Operation aborted.";
+constexpr const char16_t* kKeyDiffers =
+    u"An error occurred validating the additional test versions. An additional test does not contain the same "
+    u"correct "
+    u"answer to one or more questions as the original. Operation aborted.";
+
+constexpr const char16_t* kIdentifierUnknown =
+    u"An error occured creating multiple versions of the test. The selected field that contains the version "
+    u"identifier does not match the specified XML files. Operation aborted.";
+
+Long AnswerKey(const clsTORVATestQuestion& question) {
+  return Need(question.CorrectAnswers()).GetBitWiseRepresentation();
+}
+
+String QuestionFigures(const clsTORVATestQuestion& question) {
+  return u"Question Text: " + question.QuestionText() + kLine + u"Question ID: " + question.ID();
+}
+
+// What keeps a test from being a version of another one; null when nothing does.
+const char16_t* Difference(clsTORVATestQuestions& questions, clsTORVATestQuestions& others) {
+  if (others.Count() != questions.Count()) return kCountDiffers;
+  const Long count = questions.Count();
+  for (Long i = 1; i <= count; ++i) {
+    // Held, as a key may report, and a host may then take the questions out.
+    const Ref<clsTORVATestQuestion> question = questions.Find(i);
+    if (!others.Exists(Need(question).ID())) return kQuestionMissing;
+    const Ref<clsTORVATestQuestion> other = others.Find(question->ID());
+    if (Need(Need(other).Answers()).Count() != Need(question->Answers()).Count()) return kAnswersDiffer;
+    if (AnswerKey(*other) != AnswerKey(*question)) return kKeyDiffers;
+  }
+  return nullptr;
+}
+
+}  // namespace
+
+bool clsTORVATest::AddSequence(const Ref<clsTORVATest>& oTestVersion) {
+  return Reported(kAddSequence, false, [&](bool& result) {
+    if (oTestVersion == nullptr) return;
+    const String name = oTestVersion->Version();
+    if (Need(sequences_).Exists(name)) {
+      ShowDialog(u"Version Exists", kVersionExists + String(kBlankLine) + u"Version: " + name, *this);
+      return;
+    }
+    const Ref<clsTORVATestQuestions> others = oTestVersion->Questions();
+    const Long count = Need(others).Count();
+    if (Need(questions_).Count() != count) {
+      ShowDialog(u"Number of Questions",
+                 kNumberDiffers + String(kBlankLine) + u"Number of Questions in Test: " +
+                     Decimal(Need(questions_).Count()) + kLine + u"Number of Questions in New Test Version: " +
+                     Decimal(count),
+                 *this);
+      return;
+    }
+    const auto version = New<clsTORVATestSequence>();
+    version->Answer(name);
+    for (Long i = 1; i <= count; ++i) {
+      const Ref<clsTORVATestQuestion> other = others->Find(i);
+      if (!Need(questions_).Exists(Need(other).ID())) {
+        ShowDialog(u"Invalid Question", kQuestionUnknown + String(kBlankLine) + QuestionFigures(*other), *this);
+        return;
+      }
+      const Ref<clsTORVATestQuestion> own = Need(questions_).Find(other->ID());
+      if (AnswerKey(Need(own)) != AnswerKey(*other)) {
+        ShowDialog(u"Invalid Question", kChoicesScrambled + String(kBlankLine) + QuestionFigures(*other), *this);
+        return;
+      }
+      // Both are questions of this test: the one that moved here, and the one that stood here.
+      if (own->QuestionType() != Need(Need(questions_).Find(i)).QuestionType()) {
+        ShowDialog(u"Scrambled Sections", kTypesScrambled, *this);
+        return;
+      }
+      Need(version->Order()).Add(other->ID());
+    }
+    result = Need(sequences_).Add(version);
+  });
+}
+
+bool clsTORVA::ValidTestVersions() {
+  return Reported(kValidTestVersions, false, [&](bool& result) {
+    const Long tests = Need(tests_).Count();
+    for (Long t = 2; t <= tests; ++t) {
+      const Ref<clsTORVATestQuestions> questions = Need(Need(tests_).Item(1)).Questions();
+      const Ref<clsTORVATestQuestions> others = Need(Need(tests_).Item(t)).Questions();
+      if (const char16_t* difference = Difference(Need(questions), Need(others))) {
+        ShowDialog(kInvalidTestVersions, difference, *this);
+        return;
+      }
+    }
+    result = true;
+  });
+}
+
+bool clsTORVA::BuildSequences(const Collection& oQuestionPositions) {
+  return Reported(kBuildSequences, false, [&](bool& result) {
+    const Ref<clsLmfQuestions> questions = Need(lmf_).Questions();
+    const Ref<clsLmfVersions> versions = Need(lmf_).Versions();
+    const Long count = Need(questions).Count();
+    Need(Need(versions).Sequences()).AddDefault(count);
+    const Long tests = Need(tests_).Count();
+    if (tests <= 1) {
+      result = true;
+      return;
+    }
+    versions->SequenceQuestion(sequenceQuestion_);
+    for (Long t = 1; t <= tests; ++t) {
+      const Ref<clsTORVATest> test = Need(tests_).Item(t);
+      std::vector<Long> order;
+      if (t > 1) {
+        const Ref<clsTORVATestQuestions> testQuestions = Need(test).Questions();
+        order.reserve(static_cast<std::size_t>(count));
+        Long graded = 0;
+        for (Long k = 1; k <= count; ++k) {
+          if (!Need(questions->Item(k)).Graded()) {
+            order.push_back(k);
+            continue;
+          }
+          graded = CheckedAdd(graded, 1);
+          if (graded > Need(testQuestions).Count()) return;
+          const TaggedValue& position = oQuestionPositions.Item(Need(testQuestions->Find(graded)).ID());
+          order.push_back(*position.As<Long>());
+        }
+      }
+      if (!ValidVersionIdentifier(Need(test).Version())) {
+        Tell(u"Invalid Version Identifier", kIdentifierUnknown);
+        return;
+      }
+      Need(versions->VersionNames()).Add(test->Version());
+      // The first test has the natural order, which is in place already.
+      if (t == 1) continue;
+      const auto sequence = New<clsLmfSequence>();
+      sequence->SetOrder(Array<Long>(1, std::move(order)));
+      Need(versions->Sequences()).Add(sequence);
+    }
+    result = true;
+  });
+}
+
+bool clsTORVA::ValidVersionIdentifier(const String& sVersion) const {
+  return Silently(false, [&](bool& result) {
+    const Ref<clsLmfQuestions> questions = Need(lmf_).Questions();
+    if (sequenceQuestion_ < 1 || sequenceQuestion_ > Need(questions).Count()) return;
+    const Ref<clsLmfQuestion> question = questions->Item(sequenceQuestion_);
+    // A scored question cannot carry the version.
+    if (Need(question).Graded()) return;
+    const Ref<clsLmfStrings> labels = question->Labels();
+    const Long count = Need(labels).Count();
+    for (Long i = 1; i <= count && !result; ++i) result = EqualNoCase(labels->Item(i), sVersion);
+  });
+}
+
+}  // namespace TORVA35

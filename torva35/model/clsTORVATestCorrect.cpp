@@ -1,0 +1,100 @@
+#include "torva35/model/clsTORVATestCorrect.h"
+
+#include <cmath>
+#include <utility>
+
+#include "torva35/base/Arithmetic.h"
+#include "torva35/base/Text.h"
+#include "torva35/errors/Reported.h"
+
+namespace TORVA35 {
+namespace {
+
+constexpr Location kInitialize(u"TORVA35 - clsTORVATestCorrect.Class_Initialize");
+constexpr Location kCount(u"TORVA35 - clsTORVATestCorrect.Count");
+constexpr Location kAdd(u"clsTORVATestCorrect.Add");  // hosts know this one without the library's name
+constexpr Location kRemove(u"TORVA35 - clsTORVATestCorrect.Remove");
+constexpr Location kRemoveAll(u"TORVA35 - clsTORVATestCorrect.RemoveAll");
+constexpr Location kItem(u"TORVA35 - clsTORVATestCorrect.Item");
+constexpr Location kCopy(u"TORVA35 - clsTORVATestCorrect.Copy");
+constexpr Location kGetBitWise(u"TORVA35 - clsTORVATestCorrect.GetBitWiseRepresentation");
+constexpr Location kConvertBitWise(u"TORVA35 - clsTORVATestCorrect.ConvertBitWiseRepresentation");
+
+}  // namespace
+
+clsTORVATestCorrect::clsTORVATestCorrect() {
+  ReportedConstruction(kInitialize, [] {});
+}
+
+Long clsTORVATestCorrect::Count() const {
+  return Reported(kCount, Long{0}, [&](Long& result) { result = items_.Count(); });
+}
+
+bool clsTORVATestCorrect::Add(Integer Item, const TaggedValue& Before, const TaggedValue& After) {
+  return Reported(kAdd, false, [&](bool& result) {
+    const String key = Decimal(Item);
+    if (Exists(key)) return;
+    items_.Add(Item, key, Before, After);
+    result = true;
+  });
+}
+
+bool clsTORVATestCorrect::Remove(const TaggedValue& Index) {
+  return Reported(kRemove, false, [&](bool& result) {
+    if (!Exists(Index)) return;
+    items_.Remove(Index);
+    result = true;
+  });
+}
+
+bool clsTORVATestCorrect::RemoveAll() {
+  return Reported(kRemoveAll, false, [&](bool& result) {
+    for (Integer i = Narrow<Integer>(items_.Count()); i >= 1; --i) Remove(i);
+    result = items_.Count() == 0;
+  });
+}
+
+Integer clsTORVATestCorrect::Item(Integer Index) const {
+  return Reported(kItem, Integer{0}, [&](Integer& result) { result = Exists(Index) ? At(Index) : Integer{-1}; });
+}
+
+bool clsTORVATestCorrect::Exists(const TaggedValue& Index) const {
+  return Silently(false, [&](bool& result) {
+    const TaggedValue* item = items_.Find(Index);
+    result = item != nullptr && item->IsNumber();
+  });
+}
+
+Ref<clsTORVATestCorrect> clsTORVATestCorrect::Copy() const {
+  return Reported(kCopy, Ref<clsTORVATestCorrect>(), [&](Ref<clsTORVATestCorrect>& result) {
+    auto copy = New<clsTORVATestCorrect>();
+    const Integer count = Narrow<Integer>(items_.Count());
+    for (Long i = 1; i <= count; ++i) copy->Add(At(static_cast<Integer>(i)));
+    result = std::move(copy);
+  });
+}
+
+Long clsTORVATestCorrect::GetBitWiseRepresentation() const {
+  return Reported(kGetBitWise, Long{0}, [&](Long& sum) {
+    const Integer count = Narrow<Integer>(items_.Count());
+    for (Long i = 1; i <= count; ++i) {
+      sum = Rounded<Long>(sum + std::exp2(At(static_cast<Integer>(i)) - 1.0));
+    }
+  });
+}
+
+void clsTORVATestCorrect::ConvertBitWiseRepresentation(Long BitWiseValue) {
+  Reported(kConvertBitWise, [&] {
+    RemoveAll();
+    for (Long i = 0; i <= 30; ++i) {
+      if ((BitWiseValue >> i & 1) != 0) items_.Add(i + 1, Decimal(i + 1));
+    }
+  });
+}
+
+// Items are Integers, or Longs from 1 to 31.
+Integer clsTORVATestCorrect::At(Integer position) const {
+  return static_cast<Integer>(NumberOf(items_.Item(position)));
+}
+
+}  // namespace TORVA35

@@ -1,0 +1,60 @@
+#include "torva35/model/clsTORVATestQuestion.h"
+
+#include "torva35/errors/Reported.h"
+
+namespace TORVA35 {
+namespace {
+
+constexpr Location kInitialize(u"TORVA35 - clsTORVATestQuestion.Class_Initialize");
+constexpr Location kCopy(u"TORVA35 - clsTORVATestQuestion.Copy");
+
+thread_local std::uint64_t idChanges = 0;
+
+}  // namespace
+
+clsTORVATestQuestion::clsTORVATestQuestion() {
+  ReportedConstruction(kInitialize, [&] {
+    learningObjectives_ = New<clsTORVATestStrings>();
+    answers_ = New<clsTORVATestStrings>();
+    correctAnswers_ = New<clsTORVATestCorrect>();
+  });
+}
+
+bool clsTORVATestQuestion::MultiplesPermitted(CallSite at) const {
+  return Need(correctAnswers_, at).Count() > 1 && correctAnd_;
+}
+
+void clsTORVATestQuestion::ID(String sValue) {
+  id_ = Cut(std::move(sValue), kIDLimit);
+  ++idChanges;
+}
+
+std::uint64_t clsTORVATestQuestion::IDChanges() {
+  return idChanges;
+}
+
+Ref<clsTORVATestQuestion> clsTORVATestQuestion::Copy() const {
+  return Reported(kCopy, Ref<clsTORVATestQuestion>(), [&](Ref<clsTORVATestQuestion>& result) {
+    auto copy = New<clsTORVATestQuestion>();
+    Need(copy->answers_).AddDelimitedString(Need(answers_).AsString(u"\t"), u"\t");
+    Need(copy->learningObjectives_).AddDelimitedString(Need(learningObjectives_).AsString(u"\t"), u"\t");
+    copy->QuestionText(QuestionText());
+    copy->Difficulty(Difficulty());
+    copy->Reference(Reference());
+    copy->Topic(Topic());
+    copy->Keywords(Keywords());
+    copy->Miscellaneous(Miscellaneous());
+    copy->Notes(Notes());
+    copy->ID(ID());
+    copy->QuestionType(QuestionType());
+    copy->CorrectPoints(CorrectPoints());
+    copy->IncorrectPoints(IncorrectPoints());
+    copy->NoResponsePoints(NoResponsePoints());
+    copy->SubjectivePoints(SubjectivePoints());
+    copy->CorrectAnd(CorrectAnd());
+    copy->CorrectAnswers(Need(correctAnswers_).Copy());
+    result = std::move(copy);
+  });
+}
+
+}  // namespace TORVA35

@@ -1,0 +1,30 @@
+#include "torva35/model/clsTORVATestSequence.h"
+
+#include "torva35/errors/Reported.h"
+
+namespace TORVA35 {
+namespace {
+
+constexpr Location kInitialize(u"TORVA35 - clsTORVATestSequence.Class_Initialize");
+constexpr Location kCopy(u"TORVA35 - clsTORVATestSequence.Copy");
+
+}  // namespace
+
+clsTORVATestSequence::clsTORVATestSequence() {
+  ReportedConstruction(kInitialize, [&] { order_ = New<clsTORVATestSequenceOrder>(); });
+}
+
+Ref<clsTORVATestSequence> clsTORVATestSequence::Copy(const Ref<clsTORVATestQuestions>& oQuestions) const {
+  return Reported(kCopy, Ref<clsTORVATestSequence>(), [&](Ref<clsTORVATestSequence>& result) {
+    auto copy = New<clsTORVATestSequence>();
+    copy->Answer(Answer());
+    const Long count = Need(order_).Count();
+    for (Long i = 1; i <= count; ++i) {
+      const Long position = Need(order_).Item(i);
+      Need(copy->order_).Add(Need(Need(oQuestions).Find(position)).ID());
+    }
+    result = std::move(copy);
+  });
+}
+
+}  // namespace TORVA35

@@ -1,0 +1,161 @@
+// The scales of a test: which labels a question has, and its answer key in those labels.
+
+#include <algorithm>
+#include <vector>
+
+#include "torva35/base/Arithmetic.h"
+#include "torva35/base/Text.h"
+#include "torva35/errors/Reported.h"
+#include "torva35/model/ScaleTexts.h"
+#include "torva35/model/basPublic.h"
+#include "torva35/model/clsTORVATest.h"
+
+namespace TORVA35 {
+namespace {
+
+constexpr Location kTrimScales(u"TORVA35 - clsTORVATest.TrimScales");
+constexpr Location kQuestionScale(u"TORVA35 - clsTORVATest.QuestionScale");
+constexpr Location kAsString(u"TORVA35 - clsTORVATest.CorrectAnswersAsString");
+constexpr Location kAsArray(u"TORVA35 - clsTORVATest.CorrectAnswersAsArray");
+
+void TrimTo(clsTORVATestStrings& scale, Long count) {
+  for (Long i = scale.Count(); i > count; --i) scale.Remove(i);
+}
+
+void FitTo(clsTORVATestStrings& scale, Long count) {
+  TrimTo(scale, count);
+  for (Long i = scale.Count(); i < count; ++i) scale.Add({});
+}
+
+}  // namespace
+
+bool clsTORVATest::TrimScales() {
+  return Reported(kTrimScales, false, [&](bool& result) {
+    Long largest = 0;
+    const Long count = Need(questions_).Count();
+    for (Long i = 1; i <= count; ++i) {
+      largest = std::max(largest, Need(Need(Need(questions_).Find(i)).Answers()).Count());
+    }
+    TrimTo(Need(multipleChoiceEvenScale_), largest);
+    TrimTo(Need(multipleChoiceOddScale_), largest);
+    result = true;
+  });
+}
+
+Ref<clsTORVATestStrings> clsTORVATest::QuestionScale(const TaggedValue& vQuestionIndex,
+                                                     const TaggedValue& vIsOddOverride) const {
+  return Reported(kQuestionScale, Ref<clsTORVATestStrings>(), [&](Ref<clsTORVATestStrings>& result) {
+    if (!Need(questions_).Exists(vQuestionIndex)) return;
+    // Held, as what it asks of others may report, and a host may then take the question out.
+    const Ref<clsTORVATestQuestion> held = Need(questions_).Find(vQuestionIndex);
+    const clsTORVATestQuestion& question = Need(held);
+    switch (question.QuestionType()) {
+      case TORVATestQuestionTypeTrueFalse:
+        result = Need(trueFalseScale_).Copy();
+        return;
+      case TORVATestQuestionTypeYesNo:
+        result = Need(yesNoScale_).Copy();
+        return;
+      case TORVATestQuestionTypeMultipleChoice:
+        break;
+      default:
+        result = New<clsTORVATestStrings>();
+        return;
+    }
+    Long number = 0;
+    if (!vIsOddOverride.IsMissing()) {
+      number = BooleanOf(basPublic::CString(vIsOddOverride)) ? 1 : 2;
+    } else {
+      number = Need(questions_).PositionOfID(question.ID());
+      if (number == 0) return;
+    }
+    result = Need(number % 2 == 1 ? multipleChoiceOddScale_ : multipleChoiceEvenScale_).Copy();
+    FitTo(Need(result), Need(question.Answers()).Count());
+  });
+}
+
+ScaleTexts::ScaleTexts(const clsTORVATest& test, const TaggedValue& vQuestionIndex) {
+  if (ReadItself(test, vQuestionIndex)) return;
+  scale_ = test.QuestionScale(vQuestionIndex);
+  if (scale_ != nullptr) count_ = scale_->Count();
+}
+
+ScaleTexts::ScaleTexts(Ref<clsTORVATestStrings> scale, CallSite at) : scale_(std::move(scale)) {
+  count_ = Need(scale_, at).Count();
+}
+
+// Whether a scale of the test tells what a copy would: when nothing is missing, and copying changes nothing.
+bool ScaleTexts::ReadItself(const clsTORVATest& test, const TaggedValue& vQuestionIndex) {
+  const Ref<clsTORVATestQuestions> questions = test.Questions();
+  const Ref<clsTORVATestQuestion> question = questions == nullptr ? nullptr : questions->Find(vQuestionIndex);
+  if (question == nullptr) return false;
+  switch (question->QuestionType()) {
+    case TORVATestQuestionTypeTrueFalse:
+      scale_ = test.TrueFalseScale();
+      break;
+    case TORVATestQuestionTypeYesNo:
+      scale_ = test.YesNoScale();
+      break;
+    case TORVATestQuestionTypeMultipleChoice: {
+      const Long number = questions->PositionOfID(question->ID());
+      if (number == 0) return false;
+      scale_ = number % 2 == 1 ? test.MultipleChoiceOddScale() : test.MultipleChoiceEvenScale();
+      break;
+    }
+    default:
+      return false;
+  }
+  if (scale_ == nullptr || !scale_->CopiesAsItIs()) return false;
+  // A choice question has a label for each answer, the others have all of their scale.
+  const bool isChoice = question->QuestionType() == TORVATestQuestionTypeMultipleChoice;
+  const Ref<clsTORVATestStrings> counted = isChoice ? question->Answers() : scale_;
+  if (counted == nullptr) return false;
+  count_ = counted->Count();
+  return true;
+}
+
+Long ScaleTexts::Count(CallSite at) const {
+  Need(scale_, at);
+  return count_;
+}
+
+String ScaleTexts::At(Long place, CallSite at) const {
+  const String* text = Need(scale_, at).Find(place);
+  return text == nullptr || place > count_ ? String() : *text;
+}
+
+String clsTORVATest::CorrectAnswersAsString(const TaggedValue& vQuestionIndex, const String& sDelimiter,
+                                            bool bEnclosedByParens, bool bNumeric) const {
+  return Reported(kAsString, String(), [&](String& result) {
+    if (!Need(questions_).Exists(vQuestionIndex)) return;
+    const ScaleTexts scale(*this, vQuestionIndex);
+    const auto correct = Need(Need(questions_).Find(vQuestionIndex)).CorrectAnswers();
+    const Long count = Need(correct).Count();
+    for (Long i = 1; i <= count; ++i) {
+      const Integer number = Need(correct).Item(Narrow<Integer>(i));
+      result += bNumeric ? Decimal(number) : scale.At(number);
+      result += sDelimiter;
+    }
+    if (result.empty()) return;
+    result.resize(result.size() - sDelimiter.size());
+    if (count > 1 && bEnclosedByParens) result = u"(" + result + u")";
+  });
+}
+
+Array<String> clsTORVATest::CorrectAnswersAsArray(const TaggedValue& vQuestionIndex, bool bAsString) const {
+  return Reported(kAsArray, Array<String>(), [&](Array<String>& result) {
+    if (!Need(questions_).Exists(vQuestionIndex)) return;
+    const ScaleTexts scale(*this, vQuestionIndex);
+    const auto correct = Need(Need(questions_).Find(vQuestionIndex)).CorrectAnswers();
+    const Long count = Need(correct).Count();
+    if (count == 0) return;
+    std::vector<String> answers;
+    for (Long i = 1; i <= count; ++i) {
+      const Integer number = Need(correct).Item(Narrow<Integer>(i));
+      answers.push_back(bAsString ? scale.At(number) : Decimal(number));
+    }
+    result = Array<String>(0, std::move(answers));
+  });
+}
+
+}  // namespace TORVA35

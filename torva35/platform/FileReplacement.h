@@ -1,0 +1,40 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "torva35/base/Types.h"
+
+namespace TORVA35 {
+
+/// Writes a file that takes the place of another one in a single step: until `Commit` nobody sees it, and without
+/// a successful `Commit` nothing of it stays. Not kept: several names of the old file (hard links) and its
+/// access-control lists.
+class FileReplacement {
+ public:
+  /// Begins the new file beside the one of this path, which need not exist. `Commit` gives False when that fails.
+  explicit FileReplacement(const String& path);
+  ~FileReplacement();
+  FileReplacement(const FileReplacement&) = delete;
+  FileReplacement& operator=(const FileReplacement&) = delete;
+
+  /// Appends the bytes. After a failure this does nothing.
+  void Write(std::string_view bytes);
+
+  /// Brings the new file to the disk and gives it its name. False when anything has failed; the old file is then
+  /// as it was, except where only the name could not be brought to the disk.
+  bool Commit();
+
+ private:
+  FileReplacement() = default;
+  bool Begin(const std::string& path);
+  bool Create();
+
+  int folder_ = -1;
+  int file_ = -1;
+  std::string name_;           // of the file that is replaced
+  std::string temporaryName_;  // empty when there is none
+  bool failed_ = false;
+};
+
+}  // namespace TORVA35

@@ -1,0 +1,212 @@
+#include "torva35/xml/DOMDocument.h"
+
+#include "torva35/base/Error.h"
+#include "torva35/base/Text.h"
+#include "torva35/xml/XmlReader.h"
+#include "torva35/xml/XmlTree.h"
+
+namespace TORVA35 {
+namespace {
+
+const XmlTree& NeedTree(const XmlTree* tree, CallSite at = CallSite::Current()) {
+  if (tree == nullptr) Raise(kNothing, at);
+  return *tree;
+}
+
+String Utf16(std::string_view utf8) {
+  String text;
+  AppendUtf8(text, utf8);
+  return text;
+}
+
+}  // namespace
+
+XmlTree::XmlTree() : numbers(0, NameHash{this}, NameEqual{this}) {}
+
+std::string_view XmlTree::Name(std::uint32_t number) const {
+  const std::uint32_t begin = number == 0 ? 0 : nameEnds[number - 1];
+  return std::string_view(names).substr(begin, nameEnds[number] - begin);
+}
+
+std::uint32_t XmlTree::Intern(std::string_view name) {
+  // These factors keep all but two of the usual names apart.
+  const auto first = static_cast<unsigned char>(name.front());
+  const auto last = static_cast<unsigned char>(name.back());
+  std::uint32_t& known = recent[(first * 13u + last * 28u + name.size()) % recent.size()];
+  if (known < NameCount() && Name(known) == name) return known;
+  if (const auto found = numbers.find(name); found != numbers.end()) return known = *found;
+  const std::uint32_t number = known = NameCount();
+  names.append(name);
+  nameEnds.push_back(static_cast<std::uint32_t>(names.size()));
+  numbers.insert(number);
+  return number;
+}
+
+std::uint32_t XmlTree::FindName(std::string_view name) const {
+  const auto found = numbers.find(name);
+  return found == numbers.end() ? kFirstReserved : *found;
+}
+
+DOMDocument::DOMDocument() noexcept = default;
+DOMDocument::~DOMDocument() = default;
+DOMDocument::DOMDocument(DOMDocument&&) noexcept = default;
+DOMDocument& DOMDocument::operator=(DOMDocument&&) noexcept = default;
+
+bool DOMDocument::load(const TaggedValue& vFileName) {
+  parseError_ = {};
+  tree_.reset();
+  const auto* fileName = vFileName.As<String>();
+  if (fileName == nullptr) Raise(kTypeMismatch);
+  building_ = std::make_unique<XmlTree>();
+  reader_ = std::make_unique<XmlReader>(*building_);
+  parseError_ = reader_->Read(*fileName);
+  reader_.reset();
+  if (parseError_.reason.empty()) tree_ = std::move(building_);
+  building_.reset();
+  return tree_ != nullptr;
+}
+
+IXMLDOMNode DOMDocument::Root() const {
+  // A well-formed document has one root element and no text beside it.
+  return tree_ == nullptr ? IXMLDOMNode() : IXMLDOMNode(tree_.get(), 1);
+}
+
+IXMLDOMNode DOMDocument::selectSingleNode(StringView name) const {
+  const IXMLDOMNode root = Root();
+  return root && tree_->nodes[1].name == tree_->FindName(ToUtf8(name)) ? root : IXMLDOMNode();
+}
+
+IXMLDOMNodeList DOMDocument::getElementsByTagName(StringView name) const {
+  IXMLDOMNodeList list;
+  list.tree_ = tree_.get();
+  auto found = std::make_shared<std::vector<std::uint32_t>>();
+  if (tree_ != nullptr) {
+    const std::uint32_t number = tree_->FindName(ToUtf8(name));
+    for (std::uint32_t i = 1; number < XmlTree::kFirstReserved && i < tree_->nodes.size(); ++i) {
+      if (tree_->nodes[i].name == number) found->push_back(i);
+    }
+  }
+  list.length_ = static_cast<Long>(found->size());
+  list.found_ = std::move(found);
+  return list;
+}
+
+IXMLDOMNodeList IXMLDOMNode::get_childNodes() const {
+  const XmlTree& tree = NeedTree(tree_);
+  IXMLDOMNodeList list;
+  list.tree_ = tree_;
+  if (!attribute_) {
+    list.first_ = list.cursor_ = index_ + 1;
+    list.length_ = static_cast<Long>(tree.nodes[index_].children);
+  }
+  return list;
+}
+
+String IXMLDOMNode::get_nodeName() const {
+  const XmlTree& tree = NeedTree(tree_);
+  const std::uint32_t name = attribute_ ? tree.attributes[index_].name : tree.nodes[index_].name;
+  if (name == XmlTree::kText) return u"#text";
+  if (name == XmlTree::kCdata) return u"#cdata-section";
+  return Utf16(tree.Name(name));
+}
+
+String IXMLDOMNode::get_baseName() const {
+  const XmlTree& tree = NeedTree(tree_);
+  const std::uint32_t name = attribute_ ? tree.attributes[index_].name : tree.nodes[index_].name;
+  if (name >= XmlTree::kFirstReserved) return {};
+  const std::string_view whole = tree.Name(name);
+  const std::size_t colon = whole.find(':');
+  return Utf16(colon == whole.npos ? whole : whole.substr(colon + 1));
+}
+
+TaggedValue IXMLDOMNode::get_nodeValue() const {
+  const XmlTree& tree = NeedTree(tree_);
+  if (!attribute_ && tree.IsElement(index_)) return Null;
+  return Text();
+}
+
+TaggedValue IXMLDOMNode::get_nodeTypedValue() const {
+  return Text();
+}
+
+IXMLDOMNamedNodeMap IXMLDOMNode::get_attributes() const {
+  const XmlTree& tree = NeedTree(tree_);
+  IXMLDOMNamedNodeMap map;
+  if (attribute_ || !tree.IsElement(index_)) return map;
+  map.tree_ = tree_;
+  map.begin_ = tree.nodes[index_].attributes;
+  map.end_ = tree.AttributesEnd(index_);
+  return map;
+}
+
+String IXMLDOMNode::Text() const {
+  return Utf16(Utf8());
+}
+
+std::string_view IXMLDOMNode::Utf8() const {
+  const XmlTree& tree = NeedTree(tree_);
+  return attribute_ ? tree.Value(tree.attributes[index_]) : tree.Characters(tree.nodes[index_]);
+}
+
+std::uint32_t IXMLDOMNode::NameId() const {
+  const XmlTree& tree = NeedTree(tree_);
+  const std::uint32_t name = attribute_ ? tree.attributes[index_].name : tree.nodes[index_].name;
+  return name >= XmlTree::kFirstReserved ? 0 : name + 1;
+}
+
+std::uint32_t IXMLDOMNode::NameCount() const {
+  return NeedTree(tree_).NameCount();
+}
+
+IXMLDOMNode IXMLDOMNode::NextSibling() const {
+  const XmlTree& tree = NeedTree(tree_);
+  if (attribute_ || tree.nodes[index_].next == 0) return {};
+  return IXMLDOMNode(tree_, tree.nodes[index_].next);
+}
+
+IXMLDOMNode IXMLDOMNode::FirstChild() const {
+  const XmlTree& tree = NeedTree(tree_);
+  if (attribute_ || tree.nodes[index_].children == 0) return {};
+  return IXMLDOMNode(tree_, index_ + 1);
+}
+
+Long IXMLDOMNodeList::get_length() const {
+  return length_;
+}
+
+IXMLDOMNode IXMLDOMNodeList::get_item(Long position) const {
+  if (position < 0 || position >= length_) return {};
+  if (found_ != nullptr) return IXMLDOMNode(tree_, (*found_)[static_cast<std::size_t>(position)]);
+  if (position < cursorPosition_) {
+    cursorPosition_ = 0;
+    cursor_ = first_;
+  }
+  for (; cursorPosition_ < position; ++cursorPosition_) cursor_ = tree_->nodes[cursor_].next;
+  return IXMLDOMNode(tree_, cursor_);
+}
+
+IXMLDOMNode IXMLDOMNodeList::nextNode() {
+  return next_ < length_ ? get_item(next_++) : IXMLDOMNode();
+}
+
+Long IXMLDOMNamedNodeMap::get_length() const {
+  NeedTree(tree_);
+  return static_cast<Long>(end_ - begin_);
+}
+
+IXMLDOMNode IXMLDOMNamedNodeMap::get_item(Long position) const {
+  if (position < 0 || position >= get_length()) return {};
+  return IXMLDOMNode(tree_, begin_ + static_cast<std::uint32_t>(position), true);
+}
+
+IXMLDOMNode IXMLDOMNamedNodeMap::getNamedItem(StringView name) const {
+  const XmlTree& tree = NeedTree(tree_);
+  if (begin_ == end_) return {};
+  const std::uint32_t number = tree.FindName(ToUtf8(name));
+  for (std::uint32_t i = begin_; i < end_; ++i) {
+    if (tree.attributes[i].name == number) return IXMLDOMNode(tree_, i, true);
+  }
+  return {};
+}
+
+}  // namespace TORVA35
