@@ -67,9 +67,22 @@ TEST(Text, ValuesAsText) {
 }
 
 TEST(Text, BooleanOf) {
-  for (StringView text : {u"true", u"TRUE", u"-1", u"0.5", u"1e3"}) EXPECT_TRUE(BooleanOf(text)) << ToUtf8(text);
-  for (StringView text : {u"False", u"0", u"0.0"}) EXPECT_FALSE(BooleanOf(text)) << ToUtf8(text);
-  for (StringView text : {u"", u"odd", u"1x", u"yes"}) EXPECT_THROW(BooleanOf(text), Error) << ToUtf8(text);
+  for (StringView text : {u"true", u"TRUE", u"-1", u"0.5", u"1e3", u" \ttrue\n", u" 7 "}) {
+    EXPECT_TRUE(BooleanOf(text)) << ToUtf8(text);
+  }
+  for (StringView text : {u"False", u"0", u"0.0", u" false"}) EXPECT_FALSE(BooleanOf(text)) << ToUtf8(text);
+  for (StringView text : {u"", u"odd", u"1x", u"yes", u"t rue", u"0 0", u" "}) {
+    EXPECT_THROW(BooleanOf(text), Error) << ToUtf8(text);
+  }
+}
+
+TEST(Text, NumberOfTakesOneNumber) {
+  const std::vector<std::pair<TaggedValue, Double>> rows = {{u"7", 7},      {u" 7 ", 7}, {u"\t-2.5e1\n", -25},
+                                                            {u"1e+2", 100}, {true, -1},  {Empty, 0}};
+  for (const auto& [value, number] : rows) EXPECT_EQ(NumberOf(value), number);
+  for (StringView text : {u"", u" ", u"1 2", u"- 7", u"0 0", u"1 .5", u"1e 2", u"1 e2", u"7x", u"7\r"}) {
+    EXPECT_THROW(NumberOf(text), Error) << ToUtf8(text);
+  }
 }
 
 TEST(Text, Utf8BothWays) {

@@ -8,6 +8,7 @@
 #include <optional>
 #include <random>
 #include <string>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -40,7 +41,7 @@ TEST(Collection, NumbersArePositionsAndStringsAreKeys) {
        {0, 4, Integer{-1}, 0.5, 3.5f, 4294967297.0, 1e300, -std::numeric_limits<Double>::infinity(),
         std::nan("")}},
       {kInvalidCall, {u"B", u" 2"}},
-      {kTypeMismatch, {true, Empty, Null, Missing, nullptr}}};
+      {kTypeMismatch, {true, Empty, Null, Missing, nullptr, static_cast<const char16_t*>(nullptr)}}};
   for (const auto& [number, indexes] : failures) {
     for (const TaggedValue& index : indexes) {
       Collection changed = Letters();
@@ -55,6 +56,10 @@ TEST(Collection, NumbersArePositionsAndStringsAreKeys) {
   EXPECT_EQ(Raised([] { Collection().Item(1); }), kSubscriptOutOfRange);
   EXPECT_EQ(Raised([] { Collection().Remove(u"a"); }), kInvalidCall);
 }
+
+// Position 53 is not what a character asks for.
+static_assert(!std::is_convertible_v<char16_t, TaggedValue> && !std::is_convertible_v<char, TaggedValue>);
+static_assert(std::is_convertible_v<signed char, TaggedValue>);
 
 TEST(Collection, AddRefusesBadKeysAndPlaces) {
   Collection list = Letters();

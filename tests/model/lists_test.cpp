@@ -1,6 +1,7 @@
 // The lists that a host fills: texts, correct answers, questions, versions with their orders, and tests.
 
 #include <limits>
+#include <type_traits>
 
 #include "tests/RecordingHost.h"
 #include "torva35/model/clsTORVATests.h"
@@ -153,6 +154,18 @@ TEST_F(Correct, AStringIsANumberAndANumberIsAPosition) {
   EXPECT_TRUE(list->Remove(u"3"));
   EXPECT_TRUE(list->Remove(1));
   EXPECT_EQ(list->Count(), 0);
+}
+
+TEST_F(Correct, ANumberOrPositionBeyondSixteenBitsIsAnOverflow) {
+  for (const AnyWhole wide :
+       {AnyWhole(65538), AnyWhole(-32769), AnyWhole(std::numeric_limits<std::uint64_t>::max())}) {
+    EXPECT_FALSE(list->Add(wide));
+    EXPECT_EQ((*list)[wide], 0);
+    EXPECT_EQ(TakeFailures(), "6 !clsTORVATestCorrect.Add, 6 clsTORVATestCorrect.Item");
+  }
+  EXPECT_TRUE(list->Add(32767u) && list->Add(-32768L));
+  EXPECT_EQ(Numbers(*list), (Numbered{32767, -32768}));
+  static_assert(!std::is_convertible_v<char16_t, AnyWhole> && !std::is_convertible_v<Double, AnyWhole>);
 }
 
 TEST_F(Correct, AsTheBitsOfANumber) {

@@ -62,13 +62,14 @@ TEST_F(AnswerScales, Overrides) {
   Add(TORVATestQuestionTypeMultipleChoice, 1);
   Add(TORVATestQuestionTypeMultipleChoice, 1);
   for (const TaggedValue& odd : {TaggedValue(true), TaggedValue(u"TRUE"), TaggedValue(Integer{-1}), TaggedValue(2),
-                                 TaggedValue(u"-1"), TaggedValue(0.5)}) {
+                                 TaggedValue(u"-1"), TaggedValue(0.5), TaggedValue(u" true")}) {
     EXPECT_EQ(Scale(2, odd), u"A");
   }
-  for (const TaggedValue& even : {TaggedValue(false), TaggedValue(u"false"), TaggedValue(0), TaggedValue(u"0")}) {
+  for (const TaggedValue& even :
+       {TaggedValue(false), TaggedValue(u"false"), TaggedValue(0), TaggedValue(u" 0 ")}) {
     EXPECT_EQ(Scale(1, even), u"F");
   }
-  for (const TaggedValue& unreadable : {TaggedValue(Null), TaggedValue(Empty), TaggedValue(u"odd")}) {
+  for (const TaggedValue& unreadable : {TaggedValue(Null), TaggedValue(Empty), TaggedValue(u"0 0")}) {
     EXPECT_EQ(Scale(1, unreadable), u"nothing");
     EXPECT_EQ(TakeFailures(), "13 clsTORVATest.QuestionScale");
   }

@@ -4,6 +4,7 @@
 #include <concepts>
 #include <limits>
 #include <type_traits>
+#include <utility>
 
 #include "torva35/base/CallSite.h"
 #include "torva35/base/Error.h"
@@ -11,6 +12,22 @@
 
 /// Whole-number arithmetic that raises Overflow (6) where the result leaves the range of its type.
 namespace TORVA35 {
+
+/// A whole number of any type, on its way to a member that has fewer bits for it and tells an overflow itself.
+class AnyWhole {
+ public:
+  /// Implicit, so that a host passes the number. One beyond 64 bits signed counts as the largest of them.
+  template <std::integral T>
+  requires(!Character<T> && !std::same_as<T, bool>) constexpr AnyWhole(T value)
+      : value_(std::in_range<std::int64_t>(value) ? static_cast<std::int64_t>(value)
+                                                  : std::numeric_limits<std::int64_t>::max()) {}
+
+  /// The number.
+  constexpr std::int64_t Value() const { return value_; }
+
+ private:
+  std::int64_t value_;
+};
 
 /// left + right.
 template <std::signed_integral T>

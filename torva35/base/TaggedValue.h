@@ -29,7 +29,8 @@ class TaggedValue {
  public:
   /// Empty.
   TaggedValue() = default;
-  /// The value under its own type; a text in any form is a String, and `nullptr` a reference that holds nothing.
+  /// The value under its own type; a text in any form is a String, and a null pointer a reference that holds
+  /// nothing. A single character is no value: write it as a text.
   ///@{
   TaggedValue(EmptyValue) {}
   TaggedValue(NullValue value) : value_(value) {}
@@ -48,11 +49,15 @@ class TaggedValue {
       value_ = static_cast<Double>(value);
     }
   }
+  template <Character Unit>
+  TaggedValue(Unit) = delete;
   TaggedValue(Single value) : value_(value) {}
   TaggedValue(Double value) : value_(value) {}
   TaggedValue(String value) : value_(std::move(value)) {}
   TaggedValue(StringView value) : value_(String(value)) {}
-  TaggedValue(const char16_t* value) : value_(String(value)) {}
+  TaggedValue(const char16_t* value) : TaggedValue(nullptr) {
+    if (value != nullptr) value_ = String(value);
+  }
   TaggedValue(std::nullptr_t) : value_(Ref<Object>()) {}
   template <std::derived_from<Object> T>
   TaggedValue(Ref<T> value) : value_(std::in_place_type<Ref<Object>>, std::move(value)) {}

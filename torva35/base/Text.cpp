@@ -52,18 +52,26 @@ bool IsSkipped(char16_t unit) {
   return unit == u' ' || unit == u'\t' || unit == u'\n';
 }
 
+// A text that is one value as a whole may have blanks around it.
+StringView WithoutBlanksAround(StringView text) {
+  while (!text.empty() && IsSkipped(text.front())) text.remove_prefix(1);
+  while (!text.empty() && IsSkipped(text.back())) text.remove_suffix(1);
+  return text;
+}
+
 // The number at the start of a text, copied out in the form that std::from_chars reads.
 struct ScannedNumber {
   std::string text;
   bool negative = false;
-  StringView rest;  // what stands behind it
+  StringView rest;  // what stands after it
 };
 
-ScannedNumber ScanNumber(StringView text) {
+// skipsBlanks: they may stand anywhere in the number; else they end it.
+ScannedNumber ScanNumber(StringView text, bool skipsBlanks) {
   ScannedNumber number;
   std::size_t i = 0;
   const auto skip = [&] {
-    while (i < text.size() && IsSkipped(text[i])) ++i;
+    while (skipsBlanks && i < text.size() && IsSkipped(text[i])) ++i;
   };
   const auto digits = [&] {
     std::size_t count = 0;
@@ -252,7 +260,7 @@ Integer AnsiCode(char16_t unit) {
 }
 
 Single LeadingNumber(StringView text, CallSite at) {
-  return Converted<Single>(ScanNumber(text), at);
+  return Converted<Single>(ScanNumber(text, true), at);
 }
 
 String Decimal(std::int64_t value) {
@@ -272,6 +280,7 @@ String TextOf(const TaggedValue& value, CallSite at) {
 }
 
 bool BooleanOf(StringView text, CallSite at) {
+  text = WithoutBlanksAround(text);
   if (EqualNoCase(text, u"True")) return true;
   if (EqualNoCase(text, u"False")) return false;
   return NumberOf(text, at) != 0;
@@ -286,7 +295,7 @@ Double NumberOf(const TaggedValue& value, CallSite at) {
   if (const auto* number = value.As<Double>()) return *number;
   const auto* text = value.As<String>();
   if (text == nullptr) Raise(kTypeMismatch, at);
-  const ScannedNumber number = ScanNumber(*text);
+  const ScannedNumber number = ScanNumber(WithoutBlanksAround(*text), false);
   if (number.text.empty() || !number.rest.empty()) Raise(kTypeMismatch, at);
   return Converted<Double>(number, at);
 }

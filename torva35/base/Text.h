@@ -63,12 +63,12 @@ TORVA35_API String Decimal(std::int64_t value);
 /// kinds without a text (Empty, Null, Missing, objects) raise Type mismatch (13).
 TORVA35_API String TextOf(const TaggedValue& value, CallSite at = CallSite::Current());
 
-/// "True" and "False" in any case, or a number (0 is False, any other True); anything else raises Type mismatch
-/// (13).
+/// "True" and "False" in any case, or a number (0 is False, any other True), with blanks around it or none;
+/// anything else raises Type mismatch (13). A blank is a space, a tab or a line feed.
 TORVA35_API bool BooleanOf(StringView text, CallSite at = CallSite::Current());
 
-/// The value as a number: a number, a Boolean (True is -1), Empty (0) or a text that is a number as a whole.
-/// Anything else raises Type mismatch (13).
+/// The value as a number: a number, a Boolean (True is -1), Empty (0) or a text that is a number as a whole, with
+/// blanks around it or none. Anything else, such as a number with a blank inside, raises Type mismatch (13).
 TORVA35_API Double NumberOf(const TaggedValue& value, CallSite at = CallSite::Current());
 
 /// UTF-8 of the text; a unit without its partner becomes U+FFFD.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <concepts>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -17,5 +18,11 @@ using Integer = std::int16_t;  ///< 16-bit signed
 using Long = std::int32_t;     ///< 32-bit signed
 using Single = float;          ///< 32-bit floating point
 using Double = double;         ///< 64-bit floating point
+
+/// The types of one character. C++ takes them for whole numbers; here they are none, so that `Item(u'5')` does not
+/// ask for position 53.
+template <class T>
+concept Character = std::same_as<T, char> || std::same_as<T, wchar_t> || std::same_as<T, char8_t> ||
+    std::same_as<T, char16_t> || std::same_as<T, char32_t>;
 
 }  // namespace TORVA35

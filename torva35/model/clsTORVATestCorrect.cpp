@@ -30,11 +30,12 @@ Long clsTORVATestCorrect::Count() const {
   return Reported(kCount, Long{0}, [&](Long& result) { result = items_.Count(); });
 }
 
-bool clsTORVATestCorrect::Add(Integer Item, const TaggedValue& Before, const TaggedValue& After) {
+bool clsTORVATestCorrect::Add(AnyWhole Item, const TaggedValue& Before, const TaggedValue& After) {
   return Reported(kAdd, false, [&](bool& result) {
-    const String key = Decimal(Item);
+    const auto number = Narrow<Integer>(Item.Value());
+    const String key = Decimal(number);
     if (Exists(key)) return;
-    items_.Add(Item, key, Before, After);
+    items_.Add(number, key, Before, After);
     result = true;
   });
 }
@@ -54,8 +55,11 @@ bool clsTORVATestCorrect::RemoveAll() {
   });
 }
 
-Integer clsTORVATestCorrect::Item(Integer Index) const {
-  return Reported(kItem, Integer{0}, [&](Integer& result) { result = Exists(Index) ? At(Index) : Integer{-1}; });
+Integer clsTORVATestCorrect::Item(AnyWhole Index) const {
+  return Reported(kItem, Integer{0}, [&](Integer& result) {
+    const Long position = Narrow<Integer>(Index.Value());
+    result = Exists(position) ? At(position) : Integer{-1};
+  });
 }
 
 bool clsTORVATestCorrect::Exists(const TaggedValue& Index) const {
@@ -69,7 +73,7 @@ Ref<clsTORVATestCorrect> clsTORVATestCorrect::Copy() const {
   return Reported(kCopy, Ref<clsTORVATestCorrect>(), [&](Ref<clsTORVATestCorrect>& result) {
     auto copy = New<clsTORVATestCorrect>();
     const Integer count = Narrow<Integer>(items_.Count());
-    for (Long i = 1; i <= count; ++i) copy->Add(At(static_cast<Integer>(i)));
+    for (Long i = 1; i <= count; ++i) copy->Add(At(i));
     result = std::move(copy);
   });
 }
@@ -77,24 +81,21 @@ Ref<clsTORVATestCorrect> clsTORVATestCorrect::Copy() const {
 Long clsTORVATestCorrect::GetBitWiseRepresentation() const {
   return Reported(kGetBitWise, Long{0}, [&](Long& sum) {
     const Integer count = Narrow<Integer>(items_.Count());
-    for (Long i = 1; i <= count; ++i) {
-      sum = Rounded<Long>(sum + std::exp2(At(static_cast<Integer>(i)) - 1.0));
-    }
+    for (Long i = 1; i <= count; ++i) sum = Rounded<Long>(sum + std::exp2(At(i) - 1.0));
   });
 }
 
 void clsTORVATestCorrect::ConvertBitWiseRepresentation(Long BitWiseValue) {
   Reported(kConvertBitWise, [&] {
     RemoveAll();
-    for (Long i = 0; i <= 30; ++i) {
-      if ((BitWiseValue >> i & 1) != 0) items_.Add(i + 1, Decimal(i + 1));
+    for (Integer i = 0; i <= 30; ++i) {
+      if ((BitWiseValue >> i & 1) != 0) items_.Add(static_cast<Integer>(i + 1), Decimal(i + 1));
     }
   });
 }
 
-// Items are Integers, or Longs from 1 to 31.
-Integer clsTORVATestCorrect::At(Integer position) const {
-  return static_cast<Integer>(NumberOf(items_.Item(position)));
+Integer clsTORVATestCorrect::At(Long position) const {
+  return *items_.Item(position).As<Integer>();
 }
 
 }  // namespace TORVA35

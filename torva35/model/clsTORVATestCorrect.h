@@ -1,5 +1,6 @@
 #pragma once
 
+#include "torva35/base/Arithmetic.h"
 #include "torva35/base/Export.h"
 #include "torva35/base/Object.h"
 #include "torva35/base/TaggedValue.h"
@@ -10,8 +11,8 @@ namespace TORVA35 {
 
 /// The correct answers of a question: a set of 1-based positions in its `Answers`, in the order in which they were
 /// added. A String as index is a number's decimal text ("3" asks for the answer 3), a number is a position in the
-/// set. Numbers and positions have 16 bits: a wider value must fit before it is passed. Every failure is reported
-/// to the error object, never raised.
+/// set. Numbers and their positions have 16 bits; a wider one is an overflow (6). Every failure is reported to the
+/// error object, never raised.
 class TORVA35_API clsTORVATestCorrect : public Object {
  public:
   clsTORVATestCorrect();
@@ -19,9 +20,10 @@ class TORVA35_API clsTORVATestCorrect : public Object {
   /// Number of numbers.
   Long Count() const;
 
-  /// Adds a number. Before, After: position or key of the neighbour; not both. Returns False, without a report,
-  /// for a number that the set holds already; a missing place is reported, then False.
-  bool Add(Integer Item, const TaggedValue& Before = Missing, const TaggedValue& After = Missing);
+  /// Adds a number, from -32,768 to 32,767. Before, After: position or key of the neighbour; not both. Returns
+  /// False, without a report, for a number that the set holds already; a number beyond 16 bits and a missing place
+  /// are reported, then False.
+  bool Add(AnyWhole Item, const TaggedValue& Before = Missing, const TaggedValue& After = Missing);
 
   /// Returns False when there is no such number, without a report.
   bool Remove(const TaggedValue& Index);
@@ -30,9 +32,9 @@ class TORVA35_API clsTORVATestCorrect : public Object {
   /// reported; then False, and the set is unchanged.
   bool RemoveAll();
 
-  /// The number at the position from 1, or -1 when there is none.
-  Integer Item(Integer Index) const;
-  Integer operator[](Integer Index) const { return Item(Index); }
+  /// The number at the position from 1, or -1 when there is none. A position beyond 16 bits is reported; then 0.
+  Integer Item(AnyWhole Index) const;
+  Integer operator[](AnyWhole Index) const { return Item(Index); }
 
   /// Whether the number (a String) or the position (a number) is there. Nothing is reported.
   bool Exists(const TaggedValue& Index) const;
@@ -51,7 +53,7 @@ class TORVA35_API clsTORVATestCorrect : public Object {
   void ConvertBitWiseRepresentation(Long BitWiseValue);
 
  private:
-  Integer At(Integer position) const;
+  Integer At(Long position) const;
 
   Collection items_;
 };
