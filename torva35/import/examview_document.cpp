@@ -3,10 +3,7 @@
 #include "torva35/base/Text.h"
 #include "torva35/errors/Reported.h"
 #include "torva35/errors/basError.h"
-#include "torva35/import/ExamViewNames.h"
-#include "torva35/import/TextAllowance.h"
-#include "torva35/model/clsTORVATest.h"
-#include "torva35/xml/DOMDocument.h"
+#include "torva35/import/ExamViewReader.h"
 
 namespace TORVA35 {
 namespace {
@@ -67,10 +64,12 @@ bool clsTORVATest::LoadXML(const String& sExamViewXMLFile, bool bOddDistractorsO
       TextAllowance texts(document);
       const IXMLDOMNodeList questions = document.getElementsByTagName(u"question");
       const Long count = questions.get_length();
-      for (Long i = 0; i < count; ++i) AddXMLQuestion(questions.get_item(i), partialCredit, names, texts);
+      for (Long i = 0; i < count; ++i) AddXMLQuestion(*this, questions.get_item(i), partialCredit, names, texts);
 
       IXMLDOMNodeList sequences = document.getElementsByTagName(u"mc-choice-sequence");
-      if (sequences.get_length() > 0) PopulateMultipleChoiceScales(sequences.nextNode(), bOddDistractorsOnly);
+      if (sequences.get_length() > 0) {
+        PopulateMultipleChoiceScales(*this, sequences.nextNode(), bOddDistractorsOnly);
+      }
     }
     document = DOMDocument();
 
@@ -88,7 +87,7 @@ bool clsTORVATest::LoadXML(const String& sExamViewXMLFile, bool bOddDistractorsO
   });
 }
 
-bool clsTORVATest::PopulateMultipleChoiceScales(const IXMLDOMNode& oNode, bool bOddDistractorsOnly) {
+bool PopulateMultipleChoiceScales(clsTORVATest& test, const IXMLDOMNode& oNode, bool bOddDistractorsOnly) {
   return Reported(kPopulateScales, false, [&](bool& result) {
     if (!oNode || oNode.get_attributes().get_length() == 0) return;
     const String letters = Upper(oNode.get_attributes().get_item(0).Text());
@@ -99,10 +98,10 @@ bool clsTORVATest::PopulateMultipleChoiceScales(const IXMLDOMNode& oNode, bool b
     // Five letters for both stand for the eight that a form can have.
     if (odd == even && odd == u"ABCDE") odd = even = u"ABCDEFGH";
     if (odd.size() != even.size() || odd.size() < 5) return;
-    Need(multipleChoiceOddScale_).RemoveAll();
-    Need(multipleChoiceEvenScale_).RemoveAll();
-    const bool oddAdded = Need(multipleChoiceOddScale_).AddArray(Labels(odd));
-    const bool evenAdded = Need(multipleChoiceEvenScale_).AddArray(Labels(even));
+    Need(test.MultipleChoiceOddScale()).RemoveAll();
+    Need(test.MultipleChoiceEvenScale()).RemoveAll();
+    const bool oddAdded = Need(test.MultipleChoiceOddScale()).AddArray(Labels(odd));
+    const bool evenAdded = Need(test.MultipleChoiceEvenScale()).AddArray(Labels(even));
     result = oddAdded && evenAdded;
   });
 }

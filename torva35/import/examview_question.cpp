@@ -5,10 +5,7 @@
 
 #include "torva35/base/Text.h"
 #include "torva35/errors/Reported.h"
-#include "torva35/import/ExamViewNames.h"
-#include "torva35/import/TextAllowance.h"
-#include "torva35/model/clsTORVATest.h"
-#include "torva35/xml/DOMDocument.h"
+#include "torva35/import/ExamViewReader.h"
 
 namespace TORVA35 {
 namespace {
@@ -169,15 +166,15 @@ class QuestionReader {
 
 }  // namespace
 
-bool clsTORVATest::AddXMLQuestion(const IXMLDOMNode& oNode, bool& bPartialCredit, ExamViewNames& names,
-                                  TextAllowance& texts) {
+bool AddXMLQuestion(clsTORVATest& test, const IXMLDOMNode& oNode, bool& bPartialCredit, ExamViewNames& names,
+                    TextAllowance& texts) {
   return Reported(kAddXMLQuestion, false, [&](bool& result) {
     const auto question = New<clsTORVATestQuestion>();
     // Where memory ran out in its making, it lacks a list, and could not be taken out of the test again.
     Need(question->LearningObjectives());
     Need(question->Answers());
     Need(question->CorrectAnswers());
-    QuestionReader reader(*this, *question, bPartialCredit, names, texts);
+    QuestionReader reader(test, *question, bPartialCredit, names, texts);
     reader.ReadAttributes(oNode);
     for (IXMLDOMNode child = oNode.FirstChild(); child; child = child.NextSibling()) {
       switch (names.Whole(child)) {
@@ -204,7 +201,7 @@ bool clsTORVATest::AddXMLQuestion(const IXMLDOMNode& oNode, bool& bPartialCredit
           break;
       }
     }
-    Need(questions_).Add(question);
+    Need(test.Questions()).Add(question);
     result = true;
   });
 }

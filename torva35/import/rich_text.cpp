@@ -12,9 +12,7 @@
 
 #include "torva35/base/Text.h"
 #include "torva35/errors/Reported.h"
-#include "torva35/import/ExamViewNames.h"
-#include "torva35/model/clsTORVATest.h"
-#include "torva35/xml/DOMDocument.h"
+#include "torva35/import/ExamViewReader.h"
 
 namespace TORVA35 {
 namespace {
@@ -183,7 +181,7 @@ class Flattening {
 
 }  // namespace
 
-String clsTORVATest::NodeText(const IXMLDOMNode& oNode, ExamViewNames& names) const {
+String NodeText(const IXMLDOMNode& oNode, ExamViewNames& names) {
   return Reported(kNodeText, String(), [&](String& result) { result = Flattening(names).Run(oNode); });
 }
 

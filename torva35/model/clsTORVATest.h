@@ -15,10 +15,6 @@
 
 namespace TORVA35 {
 
-class ExamViewNames;
-class IXMLDOMNode;
-class TextAllowance;
-
 /// Where a test came from. A property of this type takes any Long.
 enum TORVATestSourceType : Long {
   TORVATestSourceTypeUnknown = -1,  ///< the test was cleared
@@ -163,9 +159,6 @@ class TORVA35_API clsTORVATest : public Object, public std::enable_shared_from_t
   Array<String> CorrectAnswersAsArray(const TaggedValue& vQuestionIndex, bool bAsString = false) const;
 
  private:
-  bool AddXMLQuestion(const IXMLDOMNode& oNode, bool& bPartialCredit, ExamViewNames& names, TextAllowance& texts);
-  String NodeText(const IXMLDOMNode& oNode, ExamViewNames& names) const;
-  bool PopulateMultipleChoiceScales(const IXMLDOMNode& oNode, bool bOddDistractorsOnly);
   bool TrimScales();
 
   Ref<clsTORVATestQuestions> questions_;
