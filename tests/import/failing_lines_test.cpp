@@ -5,6 +5,7 @@
 
 #include "tests/RecordingHost.h"
 #include "tests/TempFile.h"
+#include "torva35/model/Inside.h"
 #include "torva35/model/basPublic.h"
 #include "torva35/model/clsTORVATests.h"
 
@@ -31,8 +32,8 @@ const Provoked kProvoked[] = {
     {"model/basPublic.cpp", "TextOf", [] { basPublic::CString(nullptr); }},
     {"model/clsTORVATestStrings.cpp", "items_.Add", [] { New<clsTORVATestStrings>()->Add(u"", Null); }},
     {"model/clsTORVATestStrings.cpp", "UBound", [] { New<clsTORVATestStrings>()->AddArray({}); }},
-    {"model/clsTORVATestSequences.cpp", "Count", [] { New<clsTORVATestSequences>()->AddDefault(nullptr); }},
-    {"model/clsTORVATests.cpp", "items_.Remove", [] { New<clsTORVATests>()->Remove(u"none"); }},
+    {"model/clsTORVATestSequences.cpp", "Count", [] { New<clsTORVATest>()->Sequences()->AddDefault(nullptr); }},
+    {"model/clsTORVATests.cpp", "items_.Remove", [] { Inside::New<clsTORVATests>()->Remove(u"none"); }},
     {"import/examview_question.cpp", "LeadingNumber", [] { LoadPoints(">1e39"); }},
     {"import/examview_question.cpp", "NumberOf", [] { New<clsTORVATest>()->QuestionType(Null); }},
     {"import/examview_document.cpp", "NumberOf",

@@ -4,6 +4,7 @@
 #include <type_traits>
 
 #include "tests/RecordingHost.h"
+#include "torva35/model/Inside.h"
 #include "torva35/model/clsTORVATests.h"
 
 namespace TORVA35 {
@@ -29,7 +30,7 @@ class ListTest : public HostTest {
     EXPECT_EQ(list->Count(), count);
   }
 
-  Ref<List> list = New<List>();
+  Ref<List> list = Inside::New<List>();
 };
 
 using Strings = ListTest<clsTORVATestStrings>;
@@ -277,26 +278,45 @@ TEST_F(Questions, TypeCount) {
   EXPECT_EQ(list->TypeCount(2), 0);
 }
 
-// Positions are kept, and IDs change behind the back of the list.
+// Positions are kept, and IDs change without the list's doing.
 TEST_F(Questions, PositionOfIDFollowsEveryChange) {
-  const auto positions = [&] {
-    return std::vector{list->PositionOfID(u"a"), list->PositionOfID(u"b"), list->PositionOfID(u"c")};
+  const auto PositionsIn = [](const clsTORVATestQuestions& questions) {
+    std::vector<Long> positions;
+    for (const char16_t* id : {u"a", u"b", u"c"}) {
+      positions.push_back(Inside::PositionOfID(questions, *Question(id)));
+    }
+    return positions;
+  };
+  auto other = Inside::New<clsTORVATestQuestions>();
+  const auto Expect = [&](const std::vector<Long>& here, const std::vector<Long>& there) {
+    EXPECT_EQ(PositionsIn(*list), here);
+    EXPECT_EQ(other == nullptr ? std::vector<Long>() : PositionsIn(*other), there);
   };
   const auto changed = Question(u"a");
   list->Add(Question(u"b"));
-  EXPECT_EQ(positions(), (std::vector<Long>{0, 1, 0}));
+  Expect({0, 1, 0}, {0, 0, 0});
   list->Add(changed, 1);
-  EXPECT_EQ(positions(), (std::vector<Long>{1, 2, 0}));
+  other->Add(changed);
+  Expect({1, 2, 0}, {1, 0, 0});
   changed->ID(u"b");
-  EXPECT_EQ(positions(), (std::vector<Long>{0, 1, 0}));
+  Expect({0, 1, 0}, {0, 1, 0});
   changed->ID(u"c");
-  EXPECT_EQ(positions(), (std::vector<Long>{0, 2, 1}));
+  EXPECT_TRUE(other->Add(changed));  // twice: the first one counts
+  Expect({0, 2, 1}, {0, 0, 1});
+  other->Remove(u"a");
+  changed->ID(u"a");
+  Expect({1, 2, 0}, {1, 0, 0});
+  other.reset();
+  changed->ID(u"c");
+  Expect({0, 2, 1}, {});
   list->Remove(1);
-  EXPECT_EQ(positions(), (std::vector<Long>{0, 1, 0}));
+  changed->ID(u"b");
+  list->Add(Question(u"a"));
+  Expect({2, 1, 0}, {});
 }
 
 Ref<clsTORVATestQuestions> QuestionsOf(StringView ids) {
-  auto questions = New<clsTORVATestQuestions>();
+  auto questions = Inside::New<clsTORVATestQuestions>();
   for (char16_t id : ids) questions->Add(Question(String(1, id)));
   return questions;
 }

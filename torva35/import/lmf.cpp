@@ -10,6 +10,7 @@
 #include "torva35/errors/Reported.h"
 #include "torva35/errors/basError.h"
 #include "torva35/lmf/clsLmf.h"
+#include "torva35/model/Inside.h"
 #include "torva35/model/basPublic.h"
 #include "torva35/model/clsTORVATest.h"
 
@@ -53,7 +54,7 @@ void ReadAnswerKey(const clsLmfQuestion& from, const clsTORVATestStrings& answer
   // The first answer with exactly this text counts. A file may give a question as many as it can hold.
   std::unordered_map<StringView, Long> positions;
   const Long count = answers.Count();
-  for (Long i = 1; i <= count; ++i) positions.emplace(Need(answers.Find(i)), i);
+  for (Long i = 1; i <= count; ++i) positions.emplace(Need(Inside::Find(answers, i)), i);
   for (const String& label : Split(labels, u",")) {
     const auto found = positions.find(label);
     if (found != positions.end()) correct.Add(Narrow<Integer>(found->second));
@@ -119,7 +120,7 @@ Ref<clsTORVATestQuestion> ReadQuestion(const clsLmfQuestion& from, Long position
 void RemoveMisplacedSubjective(clsTORVATestQuestions& questions) {
   bool inLastBlock = true;
   for (Long i = questions.Count(); i >= 1; --i) {
-    if (Need(questions.Find(i)).QuestionType() != TORVATestQuestionTypeSubjective) {
+    if (Need(Inside::Find(questions, i)).QuestionType() != TORVATestQuestionTypeSubjective) {
       inLastBlock = false;
     } else if (!inLastBlock) {
       questions.Remove(i);
@@ -151,7 +152,7 @@ void ReadVersions(const clsLmfVersions& from, clsTORVATest& test) {
 void ReadScale(const clsTORVATestQuestions& questions, bool odd, const Ref<clsTORVATestStrings>& scale) {
   const Long count = questions.Count();
   for (Long i = odd ? 1 : 2; i <= count; i += 2) {
-    const Ref<clsTORVATestQuestion> question = questions.Find(i);
+    const Ref<clsTORVATestQuestion> question = Inside::Find(questions, i);
     if (Need(question).QuestionType() != TORVATestQuestionTypeMultipleChoice) continue;
     Need(scale).RemoveAll();
     scale->AddArray(Need(question->Answers()).AsArray(1));

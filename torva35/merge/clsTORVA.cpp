@@ -3,6 +3,7 @@
 #include "torva35/errors/Reported.h"
 #include "torva35/errors/basError.h"
 #include "torva35/merge/Dialogs.h"
+#include "torva35/model/Inside.h"
 
 namespace TORVA35 {
 namespace {
@@ -15,7 +16,7 @@ constexpr Location kSetError(u"TORVA35 - clsTORVA.SetError");
 
 clsTORVA::clsTORVA() {
   ReportedConstruction(kInitialize, [&] {
-    tests_ = New<clsTORVATests>();
+    tests_ = Inside::New<clsTORVATests>();
     lmf_ = New<clsLmf>();
   });
 }

@@ -5,6 +5,7 @@
 #include "torva35/errors/Reported.h"
 #include "torva35/merge/FormMerge.h"
 #include "torva35/merge/clsTORVA.h"
+#include "torva35/model/Inside.h"
 
 namespace TORVA35 {
 namespace {
@@ -76,7 +77,7 @@ void FormMerge::EnterObjectives() {
   const Ref<clsTORVATestQuestions> questions = test_.Questions();
   const Long count = Need(questions).Count();
   for (Long i = 1; i <= count; ++i) {
-    const Ref<clsTORVATestStrings> objectives = Need(questions->Find(i)).LearningObjectives();
+    const Ref<clsTORVATestStrings> objectives = Need(Inside::Find(*questions, i)).LearningObjectives();
     const Long objectiveCount = Need(objectives).Count();
     for (Long k = 1; k <= objectiveCount; ++k) {
       const String text = objectives->Item(k);

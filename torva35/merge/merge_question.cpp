@@ -4,6 +4,7 @@
 #include "torva35/base/Text.h"
 #include "torva35/merge/Dialogs.h"
 #include "torva35/merge/FormMerge.h"
+#include "torva35/model/Inside.h"
 
 namespace TORVA35 {
 namespace {
@@ -135,7 +136,7 @@ void FormMerge::MarkObjectives(const clsTORVATestQuestion& question, clsLmfQuest
   const Long count = Need(texts).Count();
   if (count > 0 && objectives_.empty()) FindObjectives();
   for (Long i = 1; i <= count; ++i) {
-    const String* text = texts->Find(i);
+    const String* text = Inside::Find(*texts, i);
     const auto found = objectives_.find(text == nullptr ? String() : Fold(*text));
     if (found != objectives_.end()) Need(output.ObjectiveFlags()).Value(found->second, true);
   }
@@ -143,7 +144,7 @@ void FormMerge::MarkObjectives(const clsTORVATestQuestion& question, clsLmfQuest
 
 Ref<clsTORVATestQuestion> FormMerge::NextTestQuestion(CallSite at) {
   testPosition_ = CheckedAdd(testPosition_, 1, at);
-  Ref<clsTORVATestQuestion> question = Need(test_.Questions(), at).Find(testPosition_);
+  Ref<clsTORVATestQuestion> question = Inside::Find(Need(test_.Questions(), at), testPosition_);
   Need(question, at);
   return question;
 }

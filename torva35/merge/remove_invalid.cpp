@@ -7,6 +7,7 @@
 #include "torva35/errors/Reported.h"
 #include "torva35/merge/Dialogs.h"
 #include "torva35/merge/clsTORVA.h"
+#include "torva35/model/Inside.h"
 
 namespace TORVA35 {
 namespace {
@@ -42,7 +43,7 @@ String Figures(Long total, Long removed, Long remaining) {
 std::vector<Long> RemoveUnsupported(clsTORVATestQuestions& questions) {
   std::vector<Long> removed;
   for (Long i = questions.Count(); i >= 1; --i) {
-    if (IsSupported(Need(questions.Find(i)).QuestionType())) continue;
+    if (IsSupported(Need(Inside::Find(questions, i)).QuestionType())) continue;
     removed.push_back(i);
     questions.Remove(i);
   }

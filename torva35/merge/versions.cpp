@@ -7,6 +7,7 @@
 #include "torva35/errors/Reported.h"
 #include "torva35/merge/Dialogs.h"
 #include "torva35/merge/clsTORVA.h"
+#include "torva35/model/Inside.h"
 #include "torva35/model/clsTORVATest.h"
 
 namespace TORVA35 {
@@ -64,9 +65,9 @@ const char16_t* Difference(clsTORVATestQuestions& questions, clsTORVATestQuestio
   const Long count = questions.Count();
   for (Long i = 1; i <= count; ++i) {
     // Held, as a key may report, and a host may then take the questions out.
-    const Ref<clsTORVATestQuestion> question = questions.Find(i);
+    const Ref<clsTORVATestQuestion> question = Inside::Find(questions, i);
     if (!others.Exists(Need(question).ID())) return kQuestionMissing;
-    const Ref<clsTORVATestQuestion> other = others.Find(question->ID());
+    const Ref<clsTORVATestQuestion> other = Inside::Find(others, question->ID());
     if (Need(Need(other).Answers()).Count() != Need(question->Answers()).Count()) return kAnswersDiffer;
     if (AnswerKey(*other) != AnswerKey(*question)) return kKeyDiffers;
   }
@@ -96,18 +97,18 @@ bool clsTORVATest::AddSequence(const Ref<clsTORVATest>& oTestVersion) {
     const auto version = New<clsTORVATestSequence>();
     version->Answer(name);
     for (Long i = 1; i <= count; ++i) {
-      const Ref<clsTORVATestQuestion> other = others->Find(i);
+      const Ref<clsTORVATestQuestion> other = Inside::Find(*others, i);
       if (!Need(questions_).Exists(Need(other).ID())) {
         ShowDialog(u"Invalid Question", kQuestionUnknown + String(kBlankLine) + QuestionFigures(*other), *this);
         return;
       }
-      const Ref<clsTORVATestQuestion> own = Need(questions_).Find(other->ID());
+      const Ref<clsTORVATestQuestion> own = Inside::Find(Need(questions_), other->ID());
       if (AnswerKey(Need(own)) != AnswerKey(*other)) {
         ShowDialog(u"Invalid Question", kChoicesScrambled + String(kBlankLine) + QuestionFigures(*other), *this);
         return;
       }
       // Both are questions of this test: the one that moved here, and the one that stood here.
-      if (own->QuestionType() != Need(Need(questions_).Find(i)).QuestionType()) {
+      if (own->QuestionType() != Need(Inside::Find(Need(questions_), i)).QuestionType()) {
         ShowDialog(u"Scrambled Sections", kTypesScrambled, *this);
         return;
       }
@@ -158,7 +159,7 @@ bool clsTORVA::BuildSequences(const Collection& oQuestionPositions) {
           }
           graded = CheckedAdd(graded, 1);
           if (graded > Need(testQuestions).Count()) return;
-          const TaggedValue& position = oQuestionPositions.Item(Need(testQuestions->Find(graded)).ID());
+          const TaggedValue& position = oQuestionPositions.Item(Need(Inside::Find(*testQuestions, graded)).ID());
           order.push_back(*position.As<Long>());
         }
       }

@@ -3,6 +3,7 @@
 #include "torva35/base/Arithmetic.h"
 #include "torva35/errors/Reported.h"
 #include "torva35/errors/basError.h"
+#include "torva35/model/Inside.h"
 
 namespace TORVA35 {
 namespace {
@@ -17,8 +18,8 @@ constexpr Location kCopy(u"TORVA35 - clsTORVATest.Copy");
 
 clsTORVATest::clsTORVATest() {
   ReportedConstruction(kInitialize, [&] {
-    questions_ = New<clsTORVATestQuestions>();
-    sequences_ = New<clsTORVATestSequences>();
+    questions_ = Inside::New<clsTORVATestQuestions>();
+    sequences_ = Inside::New<clsTORVATestSequences>();
     multipleChoiceOddScale_ = New<clsTORVATestStrings>();
     multipleChoiceEvenScale_ = New<clsTORVATestStrings>();
     trueFalseScale_ = New<clsTORVATestStrings>();
@@ -35,7 +36,7 @@ Long clsTORVATest::NumObjectives() const {
     Long sum = 0;
     const Long count = Need(questions_).Count();
     for (Long i = 1; i <= count; ++i) {
-      sum = CheckedAdd(sum, Need(Need(Need(questions_).Find(i)).LearningObjectives()).Count());
+      sum = CheckedAdd(sum, Need(Need(Inside::Find(Need(questions_), i)).LearningObjectives()).Count());
     }
     result = sum;
   });
@@ -76,7 +77,7 @@ Ref<clsTORVATest> clsTORVATest::Copy() const {
     copy->Version(Version());
     copy->Source(Source());
     const Long questions = Need(questions_).Count();
-    for (Long i = 1; i <= questions; ++i) copiedQuestions.Add(Need(Need(questions_).Find(i)).Copy());
+    for (Long i = 1; i <= questions; ++i) copiedQuestions.Add(Need(Inside::Find(Need(questions_), i)).Copy());
     const Long versions = Need(sequences_).Count();
     for (Long i = 1; i <= versions; ++i) copiedSequences.Add(Need(Need(sequences_).Item(i)).Copy(questions_));
     result = std::move(copy);

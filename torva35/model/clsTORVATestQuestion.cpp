@@ -1,14 +1,15 @@
 #include "torva35/model/clsTORVATestQuestion.h"
 
+#include <algorithm>
+
 #include "torva35/errors/Reported.h"
+#include "torva35/model/clsTORVATestQuestions.h"
 
 namespace TORVA35 {
 namespace {
 
 constexpr Location kInitialize(u"TORVA35 - clsTORVATestQuestion.Class_Initialize");
 constexpr Location kCopy(u"TORVA35 - clsTORVATestQuestion.Copy");
-
-thread_local std::uint64_t idChanges = 0;
 
 }  // namespace
 
@@ -26,11 +27,28 @@ bool clsTORVATestQuestion::MultiplesPermitted(CallSite at) const {
 
 void clsTORVATestQuestion::ID(String sValue) {
   id_ = Cut(std::move(sValue), kIDLimit);
-  ++idChanges;
+  if (holder_ != nullptr) holder_->ForgetPositions();
+  for (clsTORVATestQuestions* list : otherHolders_) list->ForgetPositions();
 }
 
-std::uint64_t clsTORVATestQuestion::IDChanges() {
-  return idChanges;
+void clsTORVATestQuestion::MakeRoomForHolder() {
+  if (holder_ != nullptr) otherHolders_.reserve(otherHolders_.size() + 1);
+}
+
+void clsTORVATestQuestion::AddHolder(clsTORVATestQuestions& list) noexcept {
+  if (holder_ == nullptr) {
+    holder_ = &list;
+  } else {
+    otherHolders_.push_back(&list);
+  }
+}
+
+void clsTORVATestQuestion::RemoveHolder(const clsTORVATestQuestions& list) noexcept {
+  if (const auto other = std::ranges::find(otherHolders_, &list); other != otherHolders_.end()) {
+    otherHolders_.erase(other);
+  } else {
+    holder_ = nullptr;
+  }
 }
 
 Ref<clsTORVATestQuestion> clsTORVATestQuestion::Copy() const {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <utility>
+#include <vector>
 
 #include "torva35/base/CallSite.h"
 #include "torva35/base/Export.h"
@@ -31,6 +32,8 @@ enum TORVATestQuestionType : Long {
   TORVATestQuestionTypeOther = 13,
   TORVATestQuestionTypeBimodal = 14,
 };
+
+class clsTORVATestQuestions;
 
 /// One question of a test. A plain record: its properties have no failure of their own.
 class TORVA35_API clsTORVATestQuestion : public Object {
@@ -93,7 +96,7 @@ class TORVA35_API clsTORVATestQuestion : public Object {
 
   /// Names the question across the versions of a test. Kept to its first 50 units. `clsTORVATestQuestions` files
   /// the question under the ID that it has when it is added; a later change does not move it.
-  const String& ID() const { return id_; }
+  String ID() const { return id_; }
   void ID(String sValue);
 
   /// Unknown (-1) in a new question. Takes any Long.
@@ -104,11 +107,15 @@ class TORVA35_API clsTORVATestQuestion : public Object {
   /// `clsTORVATestCorrect` do. A list that was set to nothing is reported; then nothing.
   Ref<clsTORVATestQuestion> Copy() const;
 
-  /// How often the calling thread has changed an ID, of whatever question: what was derived from IDs is still
-  /// right while this number is the same.
-  static std::uint64_t IDChanges();
-
  private:
+  friend class Inside;
+  friend class clsTORVATestQuestions;
+
+  // A list that holds the question must know when its ID changes. One that holds it twice counts twice.
+  void MakeRoomForHolder();
+  void AddHolder(clsTORVATestQuestions& list) noexcept;
+  void RemoveHolder(const clsTORVATestQuestions& list) noexcept;
+
   static constexpr std::size_t kLimit = 255;
   static constexpr std::size_t kIDLimit = 50;
 
@@ -129,6 +136,8 @@ class TORVA35_API clsTORVATestQuestion : public Object {
   String miscellaneous_;
   String notes_;
   String id_;
+  clsTORVATestQuestions* holder_ = nullptr;
+  std::vector<clsTORVATestQuestions*> otherHolders_;  // most often none
 };
 
 }  // namespace TORVA35

@@ -19,6 +19,10 @@ clsTORVATestQuestions::clsTORVATestQuestions() {
   ReportedConstruction(kInitialize, [] {});
 }
 
+clsTORVATestQuestions::~clsTORVATestQuestions() {
+  for (Long i = items_.Count(); i >= 1; --i) Find(i)->RemoveHolder(*this);
+}
+
 Long clsTORVATestQuestions::Count() const {
   return Reported(kCount, Long{0}, [&](Long& result) { result = items_.Count(); });
 }
@@ -26,9 +30,17 @@ Long clsTORVATestQuestions::Count() const {
 bool clsTORVATestQuestions::Add(const Ref<clsTORVATestQuestion>& oQuestion, const TaggedValue& Before,
                                 const TaggedValue& After) {
   return Reported(kAdd, false, [&](bool& result) {
-    items_.Add(oQuestion, Need(oQuestion).ID(), Before, After);
-    positionsMade_ = false;
+    clsTORVATestQuestion& question = Need(oQuestion);
+    question.MakeRoomForHolder();
+    items_.Add(oQuestion, question.ID(), Before, After);
+    question.AddHolder(*this);
+    const bool stillMade =
+        positionsMade_ && Before.IsMissing() && After.IsMissing();  // at the end it moves no other
+    ForgetPositions();
     result = true;
+    if (!stillMade) return;
+    positions_.emplace(question.id_, items_.Count());
+    positionsMade_ = true;
   });
 }
 
@@ -37,8 +49,11 @@ bool clsTORVATestQuestions::Remove(const TaggedValue& Index) {
     if (!Exists(Index)) return;
     Need(Need(Find(Index)).LearningObjectives()).RemoveAll();
     Need(Need(Find(Index)).Answers()).RemoveAll();
-    positionsMade_ = false;
+    // What was emptied may have reported, and a host then changed the list.
+    const Ref<clsTORVATestQuestion> question = Find(Index);
     items_.Remove(Index);
+    question->RemoveHolder(*this);
+    ForgetPositions();
     result = true;
   });
 }
@@ -76,16 +91,14 @@ Ref<clsTORVATestQuestion> clsTORVATestQuestions::Find(const TaggedValue& Index) 
   return std::static_pointer_cast<clsTORVATestQuestion>(*item->As<Ref<Object>>());
 }
 
-Long clsTORVATestQuestions::PositionOfID(StringView sID) const {
-  if (!positionsMade_ || positionsMadeAt_ != clsTORVATestQuestion::IDChanges()) {
-    positionsMade_ = false;
+Long clsTORVATestQuestions::PositionOfID(StringView id) const {
+  if (!positionsMade_) {
     positions_.clear();
     const Long count = items_.Count();
-    for (Long i = 1; i <= count; ++i) positions_.emplace(Need(Find(i)).ID(), i);
+    for (Long i = 1; i <= count; ++i) positions_.emplace(Need(Find(i)).id_, i);
     positionsMade_ = true;
-    positionsMadeAt_ = clsTORVATestQuestion::IDChanges();
   }
-  const auto found = positions_.find(sID);
+  const auto found = positions_.find(id);
   return found == positions_.end() ? 0 : found->second;
 }
 

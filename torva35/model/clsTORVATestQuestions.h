@@ -16,7 +16,7 @@ namespace TORVA35 {
 /// object, never raised.
 class TORVA35_API clsTORVATestQuestions : public Object {
  public:
-  clsTORVATestQuestions();
+  ~clsTORVATestQuestions() override;
 
   /// Number of questions.
   Long Count() const;
@@ -44,19 +44,20 @@ class TORVA35_API clsTORVATestQuestions : public Object {
   /// How many questions are of this kind.
   Long TypeCount(Long eQuestionType) const;
 
-  /// As `Item`, for the library itself: without a boundary of its own.
-  Ref<clsTORVATestQuestion> Find(const TaggedValue& Index) const;
-
-  /// Position of the first question whose `ID` is now exactly this one, or 0. It need not be filed under that ID.
-  Long PositionOfID(StringView sID) const;
-
  private:
+  friend class Inside;
+  friend class clsTORVATestQuestion;
+
+  clsTORVATestQuestions();
+
+  Ref<clsTORVATestQuestion> Find(const TaggedValue& Index) const;
+  Long PositionOfID(StringView id) const;
+  void ForgetPositions() { positionsMade_ = false; }
+
   Collection items_;
-  // From each ID to the first position that has it, made when it is asked for. Right as long as this list and the
-  // IDs of its questions are as they were then.
+  // From the ID that a question has now to the first position that has it, made when it is asked for.
   mutable std::unordered_map<StringView, Long> positions_;
   mutable bool positionsMade_ = false;
-  mutable std::uint64_t positionsMadeAt_ = 0;
 };
 
 }  // namespace TORVA35

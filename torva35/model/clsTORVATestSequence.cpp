@@ -1,6 +1,7 @@
 #include "torva35/model/clsTORVATestSequence.h"
 
 #include "torva35/errors/Reported.h"
+#include "torva35/model/Inside.h"
 
 namespace TORVA35 {
 namespace {
@@ -11,7 +12,7 @@ constexpr Location kCopy(u"TORVA35 - clsTORVATestSequence.Copy");
 }  // namespace
 
 clsTORVATestSequence::clsTORVATestSequence() {
-  ReportedConstruction(kInitialize, [&] { order_ = New<clsTORVATestSequenceOrder>(); });
+  ReportedConstruction(kInitialize, [&] { order_ = Inside::New<clsTORVATestSequenceOrder>(); });
 }
 
 Ref<clsTORVATestSequence> clsTORVATestSequence::Copy(const Ref<clsTORVATestQuestions>& oQuestions) const {
@@ -21,7 +22,7 @@ Ref<clsTORVATestSequence> clsTORVATestSequence::Copy(const Ref<clsTORVATestQuest
     const Long count = Need(order_).Count();
     for (Long i = 1; i <= count; ++i) {
       const Long position = Need(order_).Item(i);
-      Need(copy->order_).Add(Need(Need(oQuestions).Find(position)).ID());
+      Need(copy->order_).Add(Need(Inside::Find(Need(oQuestions), position)).ID());
     }
     result = std::move(copy);
   });

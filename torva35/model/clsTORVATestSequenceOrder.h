@@ -14,8 +14,6 @@ namespace TORVA35 {
 /// the error object, never raised.
 class TORVA35_API clsTORVATestSequenceOrder : public Object {
  public:
-  clsTORVATestSequenceOrder();
-
   /// Number of entries.
   Long Count() const;
 
@@ -40,6 +38,10 @@ class TORVA35_API clsTORVATestSequenceOrder : public Object {
   String AsString(const String& sDelimiter = u"\t") const;
 
  private:
+  friend class Inside;
+
+  clsTORVATestSequenceOrder();
+
   Collection items_;
 };
 

@@ -1,6 +1,7 @@
 #include "torva35/model/clsTORVATestSequences.h"
 
 #include "torva35/errors/Reported.h"
+#include "torva35/model/Inside.h"
 
 namespace TORVA35 {
 namespace {
@@ -36,7 +37,7 @@ bool clsTORVATestSequences::AddDefault(const Ref<clsTORVATestQuestions>& oQuesti
     auto version = New<clsTORVATestSequence>();
     version->Answer(sAnswer);
     const Long count = Need(oQuestions).Count();
-    for (Long i = 1; i <= count; ++i) Need(version->Order()).Add(Need(Need(oQuestions).Find(i)).ID());
+    for (Long i = 1; i <= count; ++i) Need(version->Order()).Add(Need(Inside::Find(Need(oQuestions), i)).ID());
     Add(version);
     result = items_.Count() == 1;
   });

@@ -15,8 +15,6 @@ namespace TORVA35 {
 /// never raised.
 class TORVA35_API clsTORVATestSequences : public Object {
  public:
-  clsTORVATestSequences();
-
   /// Number of versions.
   Long Count() const;
 
@@ -41,6 +39,10 @@ class TORVA35_API clsTORVATestSequences : public Object {
   bool Exists(const TaggedValue& vKey) const;
 
  private:
+  friend class Inside;
+
+  clsTORVATestSequences();
+
   Collection items_;
 };
 

@@ -58,12 +58,12 @@ class TORVA35_API clsTORVATestStrings : public Object {
   /// texts are cut at 50 units, a text with a TAB becomes two, and a list of one empty text becomes an empty list.
   Ref<clsTORVATestStrings> Copy() const;
 
-  /// The text at the index without a copy, or null when there is none. Valid until the list changes.
+ private:
+  friend class Inside;
+
   const String* Find(const TaggedValue& Index) const;
-  /// For the library itself: whether a `Copy` has just these texts. May say no although it has.
   bool CopiesAsItIs() const;
 
- private:
   Collection items_;
   bool holdsUncopyable_ = false;  // or did: a text of more than 50 units or with a TAB
 };

@@ -14,8 +14,6 @@ namespace TORVA35 {
 /// reported to the error object, never raised.
 class TORVA35_API clsTORVATests : public Object {
  public:
-  clsTORVATests();
-
   /// Number of tests.
   Long Count() const { return items_.Count(); }
 
@@ -38,6 +36,10 @@ class TORVA35_API clsTORVATests : public Object {
   bool Exists(const TaggedValue& Index) const;
 
  private:
+  friend class Inside;
+
+  clsTORVATests();
+
   Collection items_;
 };
 

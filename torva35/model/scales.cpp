@@ -6,6 +6,7 @@
 #include "torva35/base/Arithmetic.h"
 #include "torva35/base/Text.h"
 #include "torva35/errors/Reported.h"
+#include "torva35/model/Inside.h"
 #include "torva35/model/ScaleTexts.h"
 #include "torva35/model/basPublic.h"
 #include "torva35/model/clsTORVATest.h"
@@ -34,7 +35,7 @@ bool clsTORVATest::TrimScales() {
     Long largest = 0;
     const Long count = Need(questions_).Count();
     for (Long i = 1; i <= count; ++i) {
-      largest = std::max(largest, Need(Need(Need(questions_).Find(i)).Answers()).Count());
+      largest = std::max(largest, Need(Need(Inside::Find(Need(questions_), i)).Answers()).Count());
     }
     TrimTo(Need(multipleChoiceEvenScale_), largest);
     TrimTo(Need(multipleChoiceOddScale_), largest);
@@ -47,7 +48,7 @@ Ref<clsTORVATestStrings> clsTORVATest::QuestionScale(const TaggedValue& vQuestio
   return Reported(kQuestionScale, Ref<clsTORVATestStrings>(), [&](Ref<clsTORVATestStrings>& result) {
     if (!Need(questions_).Exists(vQuestionIndex)) return;
     // Held, as what it asks of others may report, and a host may then take the question out.
-    const Ref<clsTORVATestQuestion> held = Need(questions_).Find(vQuestionIndex);
+    const Ref<clsTORVATestQuestion> held = Inside::Find(Need(questions_), vQuestionIndex);
     const clsTORVATestQuestion& question = Need(held);
     switch (question.QuestionType()) {
       case TORVATestQuestionTypeTrueFalse:
@@ -66,7 +67,7 @@ Ref<clsTORVATestStrings> clsTORVATest::QuestionScale(const TaggedValue& vQuestio
     if (!vIsOddOverride.IsMissing()) {
       number = BooleanOf(basPublic::CString(vIsOddOverride)) ? 1 : 2;
     } else {
-      number = Need(questions_).PositionOfID(question.ID());
+      number = Inside::PositionOfID(Need(questions_), question);
       if (number == 0) return;
     }
     result = Need(number % 2 == 1 ? multipleChoiceOddScale_ : multipleChoiceEvenScale_).Copy();
@@ -87,7 +88,8 @@ ScaleTexts::ScaleTexts(Ref<clsTORVATestStrings> scale, CallSite at) : scale_(std
 // Whether a scale of the test tells what a copy would: when nothing is missing, and copying changes nothing.
 bool ScaleTexts::ReadItself(const clsTORVATest& test, const TaggedValue& vQuestionIndex) {
   const Ref<clsTORVATestQuestions> questions = test.Questions();
-  const Ref<clsTORVATestQuestion> question = questions == nullptr ? nullptr : questions->Find(vQuestionIndex);
+  const Ref<clsTORVATestQuestion> question =
+      questions == nullptr ? nullptr : Inside::Find(*questions, vQuestionIndex);
   if (question == nullptr) return false;
   switch (question->QuestionType()) {
     case TORVATestQuestionTypeTrueFalse:
@@ -97,7 +99,7 @@ bool ScaleTexts::ReadItself(const clsTORVATest& test, const TaggedValue& vQuesti
       scale_ = test.YesNoScale();
       break;
     case TORVATestQuestionTypeMultipleChoice: {
-      const Long number = questions->PositionOfID(question->ID());
+      const Long number = Inside::PositionOfID(*questions, *question);
       if (number == 0) return false;
       scale_ = number % 2 == 1 ? test.MultipleChoiceOddScale() : test.MultipleChoiceEvenScale();
       break;
@@ -105,7 +107,7 @@ bool ScaleTexts::ReadItself(const clsTORVATest& test, const TaggedValue& vQuesti
     default:
       return false;
   }
-  if (scale_ == nullptr || !scale_->CopiesAsItIs()) return false;
+  if (scale_ == nullptr || !Inside::CopiesAsItIs(*scale_)) return false;
   // A choice question has a label for each answer, the others have all of their scale.
   const bool isChoice = question->QuestionType() == TORVATestQuestionTypeMultipleChoice;
   const Ref<clsTORVATestStrings> counted = isChoice ? question->Answers() : scale_;
@@ -120,7 +122,7 @@ Long ScaleTexts::Count(CallSite at) const {
 }
 
 String ScaleTexts::At(Long place, CallSite at) const {
-  const String* text = Need(scale_, at).Find(place);
+  const String* text = Inside::Find(Need(scale_, at), place);
   return text == nullptr || place > count_ ? String() : *text;
 }
 
@@ -129,7 +131,7 @@ String clsTORVATest::CorrectAnswersAsString(const TaggedValue& vQuestionIndex, c
   return Reported(kAsString, String(), [&](String& result) {
     if (!Need(questions_).Exists(vQuestionIndex)) return;
     const ScaleTexts scale(*this, vQuestionIndex);
-    const auto correct = Need(Need(questions_).Find(vQuestionIndex)).CorrectAnswers();
+    const auto correct = Need(Inside::Find(Need(questions_), vQuestionIndex)).CorrectAnswers();
     const Long count = Need(correct).Count();
     for (Long i = 1; i <= count; ++i) {
       const Integer number = Need(correct).Item(Narrow<Integer>(i));
@@ -146,7 +148,7 @@ Array<String> clsTORVATest::CorrectAnswersAsArray(const TaggedValue& vQuestionIn
   return Reported(kAsArray, Array<String>(), [&](Array<String>& result) {
     if (!Need(questions_).Exists(vQuestionIndex)) return;
     const ScaleTexts scale(*this, vQuestionIndex);
-    const auto correct = Need(Need(questions_).Find(vQuestionIndex)).CorrectAnswers();
+    const auto correct = Need(Inside::Find(Need(questions_), vQuestionIndex)).CorrectAnswers();
     const Long count = Need(correct).Count();
     if (count == 0) return;
     std::vector<String> answers;

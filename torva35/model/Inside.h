@@ -1,0 +1,42 @@
+#pragma once
+
+#include <memory>
+
+#include "torva35/base/Object.h"
+#include "torva35/base/TaggedValue.h"
+#include "torva35/base/Types.h"
+#include "torva35/model/clsTORVATestQuestions.h"
+#include "torva35/model/clsTORVATestStrings.h"
+
+namespace TORVA35 {
+
+/// What the library may do with the lists of the test model and a host may not. The lists name it their friend.
+class Inside {
+ public:
+  /// Creates a list that only the library creates.
+  template <class T>
+  static Ref<T> New() {
+    struct Made : T {};  // the constructor of T is private
+    return std::make_shared<Made>();
+  }
+
+  /// As `Item`, without a boundary of its own.
+  static Ref<clsTORVATestQuestion> Find(const clsTORVATestQuestions& questions, const TaggedValue& Index) {
+    return questions.Find(Index);
+  }
+  /// The text at the index without a copy, or null when there is none. Valid until the list changes.
+  static const String* Find(const clsTORVATestStrings& strings, const TaggedValue& Index) {
+    return strings.Find(Index);
+  }
+
+  /// Position of the first question that has exactly the ID that this one has, or 0. It need not be filed under
+  /// it.
+  static Long PositionOfID(const clsTORVATestQuestions& questions, const clsTORVATestQuestion& question) {
+    return questions.PositionOfID(question.id_);
+  }
+
+  /// Whether a `Copy` has just these texts. May say no although it has.
+  static bool CopiesAsItIs(const clsTORVATestStrings& strings) { return strings.CopiesAsItIs(); }
+};
+
+}  // namespace TORVA35
