@@ -91,6 +91,7 @@ struct Row {
 /// What one version asks at one row.
 struct Answer {
   int question = 0;  ///< position in `questions` of the version's file
+  long paper = 0;    ///< number on this version's paper; another one than the row's is an error finding
   std::vector<int>
       marks;  ///< bubbles of the right answer, from 1, ascending; empty: there is no key, or no bubble for it
   bool all = true;    ///< a perfect student marks all of them; else exactly one of them, whichever
