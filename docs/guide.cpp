@@ -186,7 +186,13 @@ bool MergeBoth(const std::string& folder, const Ref<MyErrorObject>& oErr, const 
 
   // [versions]
   if (!oEngine->ValidTestVersions()) return false;
+  oMaster->Sequences()->RemoveAll();
+  oMaster->Sequences()->AddDefault(oMaster->Questions(), oMaster->Version());
+  for (Long v = 2; v <= oEngine->Tests()->Count(); ++v) {
+    if (!oMaster->AddSequence(oEngine->Tests()->Item(v))) return false;
+  }
   // [versions]
+  Expect(oMaster->Sequences()->Count() == 2);
 
   // [merge]
   oEngine->TemplateIn(MakeForm(12));
@@ -204,6 +210,8 @@ bool MergeBoth(const std::string& folder, const Ref<MyErrorObject>& oErr, const 
   Expect(oQuestions->Item(11)->Graded() && !oQuestions->Item(12)->Graded());
   Expect(oQuestions->Item(8)->CorrectLabels()->Item(1) == u"(B,D)");
   Expect(oQuestions->Item(8)->CorrectPoints() == 1);  // of the form; the file says 2
+  // A question of three answers in a row for any of the versions.
+  Expect(oQuestions->Item(7)->Labels()->Count() == 5);
   Expect(oEngine->MIVLMF()->Versions()->Sequences()->Item(2)->Item(2) == 3);
 
   // [again]
