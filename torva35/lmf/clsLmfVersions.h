@@ -9,13 +9,13 @@
 
 namespace TORVA35 {
 
-/// The order of the questions in one version of a test: which question position of the file stands at each place.
-/// Places run from 1.
+/// The order of the questions in one version of a test: entry k is the position in the file of the question that
+/// this version prints at position k. Both run from 1.
 class TORVA35_API clsLmfSequence : public Object {
  public:
-  /// Number of places.
+  /// Number of entries.
   virtual Long Count() const { return static_cast<Long>(order_.size()); }
-  /// The question position at a place. Raises 9 for a place that does not exist.
+  /// The entry at a position. Raises 9 for a position that does not exist.
   virtual Long Item(Long lPosition, CallSite at = CallSite::Current()) const;
   /// Takes the whole order from the array, whatever its lower bound; an array without elements empties it.
   virtual void SetOrder(const Array<Long>& lOrder);

@@ -115,7 +115,7 @@ void FormMerge::TakeScale(const clsTORVATestQuestion& question, clsTemplateQuest
 
 ScaleTexts FormMerge::Scale(const clsTORVATestQuestion& question) const {
   if (question.QuestionType() == TORVATestQuestionTypeMultipleChoice && Need(test_.Sequences()).Count() > 1) {
-    return ScaleTexts(testPosition_ % 2 == 0 ? test_.MultipleChoiceEvenScale() : test_.MultipleChoiceOddScale());
+    return ScaleTexts(test_, question, testPosition_);
   }
   return ScaleTexts(test_, testPosition_);
 }

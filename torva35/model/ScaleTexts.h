@@ -10,19 +10,23 @@ namespace TORVA35 {
 
 class clsTORVATest;
 
-/// The texts of `QuestionScale`, most often without the copy that it makes: to read them a scale of the test will
-/// do. Good as long as nobody changes the test.
+class clsTORVATestQuestion;
+
+/// The labels of a question, most often without the copy that `QuestionScale` makes: to read them a scale of the
+/// test will do. Good as long as nobody changes the test.
 class ScaleTexts {
  public:
-  /// Of a question. What `QuestionScale` reports is reported; there may then be no scale.
+  /// Those of `QuestionScale`. What it reports is reported; there may then be no scale.
   ScaleTexts(const clsTORVATest& test, const TaggedValue& vQuestionIndex);
-  /// Of a list itself.
-  explicit ScaleTexts(Ref<clsTORVATestStrings> scale, CallSite at = CallSite::Current());
+  /// The whole scale that a question has at a position from 1, however many answers it has. Raises 91 when there
+  /// is no scale.
+  ScaleTexts(const clsTORVATest& test, const clsTORVATestQuestion& question, Long position,
+             CallSite at = CallSite::Current());
 
-  /// Number of texts. Raises 91 when there is no scale, as does `At`.
+  /// Number of labels. Raises 91 when there is no scale, as does `At`.
   Long Count(CallSite at = CallSite::Current()) const;
-  /// The text at a position from 1; an empty one where there is none.
-  String At(Long place, CallSite at = CallSite::Current()) const;
+  /// The label at a position from 1; an empty one where there is none.
+  String At(Long position, CallSite at = CallSite::Current()) const;
 
  private:
   bool ReadItself(const clsTORVATest& test, const TaggedValue& vQuestionIndex);

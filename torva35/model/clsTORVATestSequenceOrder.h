@@ -10,8 +10,8 @@
 namespace TORVA35 {
 
 /// The question order of one version: for each question's ID its position in the version. An index that is a
-/// String is an ID, without regard to case; a number is a place in this list, from 1. Every failure is reported to
-/// the error object, never raised.
+/// String is an ID, without regard to case; a number is a position in this list, from 1. Every failure is reported
+/// to the error object, never raised.
 class TORVA35_API clsTORVATestSequenceOrder : public Object {
  public:
   /// Number of entries.

@@ -19,6 +19,37 @@ constexpr Location kQuestionScale(u"TORVA35 - clsTORVATest.QuestionScale");
 constexpr Location kAsString(u"TORVA35 - clsTORVATest.CorrectAnswersAsString");
 constexpr Location kAsArray(u"TORVA35 - clsTORVATest.CorrectAnswersAsArray");
 
+// Which labels a question has, for all who show or store them.
+struct Labelling {
+  enum Extent {
+    kUnknown,           // the question has no position that would tell
+    kNone,              // its kind has no labels
+    kWholeScale,        // as they are in the scale
+    kOneForEachAnswer,  // the first ones of a longer scale, and empty ones after those of a shorter one
+  };
+  Extent extent;
+  Ref<clsTORVATestStrings> scale;  // of the test, which may have lost it
+};
+
+// position: gives the position, or 0 for none. Asked for multiple choice only.
+template <class Position>
+Labelling LabellingOf(const clsTORVATest& test, const clsTORVATestQuestion& question, Position position) {
+  switch (question.QuestionType()) {
+    case TORVATestQuestionTypeTrueFalse:
+      return {Labelling::kWholeScale, test.TrueFalseScale()};
+    case TORVATestQuestionTypeYesNo:
+      return {Labelling::kWholeScale, test.YesNoScale()};
+    case TORVATestQuestionTypeMultipleChoice: {
+      const Long number = position();
+      if (number == 0) return {Labelling::kUnknown, nullptr};
+      return {Labelling::kOneForEachAnswer,
+              number % 2 == 1 ? test.MultipleChoiceOddScale() : test.MultipleChoiceEvenScale()};
+    }
+    default:
+      return {Labelling::kNone, nullptr};
+  }
+}
+
 void TrimTo(clsTORVATestStrings& scale, Long count) {
   for (Long i = scale.Count(); i > count; --i) scale.Remove(i);
 }
@@ -50,28 +81,13 @@ Ref<clsTORVATestStrings> clsTORVATest::QuestionScale(const TaggedValue& vQuestio
     // Held, as what it asks of others may report, and a host may then take the question out.
     const Ref<clsTORVATestQuestion> held = Inside::Find(Need(questions_), vQuestionIndex);
     const clsTORVATestQuestion& question = Need(held);
-    switch (question.QuestionType()) {
-      case TORVATestQuestionTypeTrueFalse:
-        result = Need(trueFalseScale_).Copy();
-        return;
-      case TORVATestQuestionTypeYesNo:
-        result = Need(yesNoScale_).Copy();
-        return;
-      case TORVATestQuestionTypeMultipleChoice:
-        break;
-      default:
-        result = New<clsTORVATestStrings>();
-        return;
-    }
-    Long number = 0;
-    if (!vIsOddOverride.IsMissing()) {
-      number = BooleanOf(basPublic::CString(vIsOddOverride)) ? 1 : 2;
-    } else {
-      number = Inside::PositionOfID(Need(questions_), question);
-      if (number == 0) return;
-    }
-    result = Need(number % 2 == 1 ? multipleChoiceOddScale_ : multipleChoiceEvenScale_).Copy();
-    FitTo(Need(result), Need(question.Answers()).Count());
+    const Labelling labels = LabellingOf(*this, question, [&]() -> Long {
+      if (vIsOddOverride.IsMissing()) return Inside::PositionOfID(Need(questions_), question);
+      return BooleanOf(basPublic::CString(vIsOddOverride)) ? 1 : 2;
+    });
+    if (labels.extent == Labelling::kUnknown) return;
+    result = labels.extent == Labelling::kNone ? New<clsTORVATestStrings>() : Need(labels.scale).Copy();
+    if (labels.extent == Labelling::kOneForEachAnswer) FitTo(Need(result), Need(question.Answers()).Count());
   });
 }
 
@@ -81,9 +97,8 @@ ScaleTexts::ScaleTexts(const clsTORVATest& test, const TaggedValue& vQuestionInd
   if (scale_ != nullptr) count_ = scale_->Count();
 }
 
-ScaleTexts::ScaleTexts(Ref<clsTORVATestStrings> scale, CallSite at) : scale_(std::move(scale)) {
-  count_ = Need(scale_, at).Count();
-}
+ScaleTexts::ScaleTexts(const clsTORVATest& test, const clsTORVATestQuestion& question, Long position, CallSite at)
+    : scale_(LabellingOf(test, question, [&] { return position; }).scale), count_(Need(scale_, at).Count()) {}
 
 // Whether a scale of the test tells what a copy would: when nothing is missing, and copying changes nothing.
 bool ScaleTexts::ReadItself(const clsTORVATest& test, const TaggedValue& vQuestionIndex) {
@@ -91,26 +106,12 @@ bool ScaleTexts::ReadItself(const clsTORVATest& test, const TaggedValue& vQuesti
   const Ref<clsTORVATestQuestion> question =
       questions == nullptr ? nullptr : Inside::Find(*questions, vQuestionIndex);
   if (question == nullptr) return false;
-  switch (question->QuestionType()) {
-    case TORVATestQuestionTypeTrueFalse:
-      scale_ = test.TrueFalseScale();
-      break;
-    case TORVATestQuestionTypeYesNo:
-      scale_ = test.YesNoScale();
-      break;
-    case TORVATestQuestionTypeMultipleChoice: {
-      const Long number = Inside::PositionOfID(*questions, *question);
-      if (number == 0) return false;
-      scale_ = number % 2 == 1 ? test.MultipleChoiceOddScale() : test.MultipleChoiceEvenScale();
-      break;
-    }
-    default:
-      return false;
-  }
+  const Labelling labels =
+      LabellingOf(test, *question, [&] { return Inside::PositionOfID(*questions, *question); });
+  scale_ = labels.scale;
   if (scale_ == nullptr || !Inside::CopiesAsItIs(*scale_)) return false;
-  // A choice question has a label for each answer, the others have all of their scale.
-  const bool isChoice = question->QuestionType() == TORVATestQuestionTypeMultipleChoice;
-  const Ref<clsTORVATestStrings> counted = isChoice ? question->Answers() : scale_;
+  const bool fitted = labels.extent == Labelling::kOneForEachAnswer;
+  const Ref<clsTORVATestStrings> counted = fitted ? question->Answers() : scale_;
   if (counted == nullptr) return false;
   count_ = counted->Count();
   return true;
@@ -121,9 +122,9 @@ Long ScaleTexts::Count(CallSite at) const {
   return count_;
 }
 
-String ScaleTexts::At(Long place, CallSite at) const {
-  const String* text = Inside::Find(Need(scale_, at), place);
-  return text == nullptr || place > count_ ? String() : *text;
+String ScaleTexts::At(Long position, CallSite at) const {
+  const String* text = Inside::Find(Need(scale_, at), position);
+  return text == nullptr || position > count_ ? String() : *text;
 }
 
 String clsTORVATest::CorrectAnswersAsString(const TaggedValue& vQuestionIndex, const String& sDelimiter,
