@@ -67,6 +67,18 @@ Ref<clsTORVATest> Load(const std::string& path) {
 }
 // [load]
 
+// [walk]
+void PrintTest(const clsTORVATest& oTest) {
+  const auto oQuestions = oTest.Questions();
+  for (Long i = 1; i <= oQuestions->Count(); ++i) {
+    const auto oQuestion = oQuestions->Item(i);
+    std::cout << i << ". " << ToUtf8(oQuestion->QuestionText()) << '\n';
+    const auto oAnswers = oQuestion->Answers();
+    for (Long k = 1; k <= oAnswers->Count(); ++k) std::cout << "   - " << ToUtf8(oAnswers->Item(k)) << '\n';
+  }
+}
+// [walk]
+
 // [why]
 std::string WhyRefused(const std::string& path) {
   DOMDocument document;
@@ -177,6 +189,7 @@ bool MergeBoth(const std::string& folder, const Ref<MyErrorObject>& oErr, const 
   // [tests]
   Expect(oErr->dialogs == std::vector<String>(2, u"Partial Credit"));
   Expect(oMaster->Questions()->Count() == 12 && oMaster->Version() == u"A");
+  PrintTest(*oMaster);
 
   // [clean-up]
   if (!oEngine->RemoveInvalid()) return false;

@@ -57,8 +57,9 @@ class TORVA35_API clsTORVA : public Object, public std::enable_shared_from_this<
   void Verbose(bool bValue) { verbose_ = bValue; }
 
   /// Whether every test has the questions of the first one, by ID, with as many answers and the same answer key.
-  /// Shows a dialog at the first difference, whatever `Verbose` says. True for one test or none. Call it behind
-  /// `RemoveInvalid`: an answer key that names an answer behind the 31st is a failure.
+  /// Shows a dialog at the first difference, whatever `Verbose` says. True for one test or none. Call it after
+  /// `RemoveInvalid`: keys are compared as `GetBitWiseRepresentation` gives them, and where one has a number above
+  /// 31, an overflow (6) is reported, the rest of that key is left out, and the check goes on.
   bool ValidTestVersions();
 
   /// Position, from 1, among the questions of `MIVLMF`, of the question whose labels are the version identifiers;

@@ -145,8 +145,8 @@ class TORVA35_API clsTORVATest : public Object, public std::enable_shared_from_t
 
   /// Makes another test a version of this one. It must have the same questions with the same answer keys, which
   /// changed places among their own kind only, and a `Version` that no version of this test has. Each failed check
-  /// shows a dialog; then False, and this test is unchanged. A merge takes the versions from the other tests of
-  /// the engine and not from here.
+  /// shows a dialog; then False, and this test is unchanged. Keys are compared as by `ValidTestVersions` of the
+  /// engine. A merge takes the versions from the other tests of the engine and not from here.
   bool AddSequence(const Ref<clsTORVATest>& oTestVersion);
 
   /// The answer key of a question as labels, or as numbers when bNumeric is True, in the order of its
