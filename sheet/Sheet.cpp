@@ -137,6 +137,23 @@ bool Result::Has(Severity severity) const {
                      [&](const Finding& finding) { return finding.severity >= severity; });
 }
 
+const Question& QuestionOf(const Result& result, const Version& version, const Answer& answer) {
+  return result.files[static_cast<std::size_t>(version.file)].questions[static_cast<std::size_t>(answer.question)];
+}
+
+std::string KeyText(const Row& row, const Answer& answer) {
+  std::string text;
+  for (const int mark : answer.marks) {
+    if (!text.empty()) text += answer.all ? ' ' : '|';
+    text += row.labels[static_cast<std::size_t>(mark - 1)];
+  }
+  return text;
+}
+
+std::string PointsText(double points) {
+  return ToUtf8(TextOf(points));
+}
+
 Result MakeSheet(const std::vector<Input>& files, const Options& options) {
   return Making(files, options).Make();
 }

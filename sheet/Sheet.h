@@ -136,6 +136,16 @@ struct Result {
   bool Has(Severity severity) const;
 };
 
+/// What a version asks at a row, as its file has it.
+const Question& QuestionOf(const Result& result, const Version& version, const Answer& answer);
+
+/// The marks of a key, apart by one blank: "B D". Where any one of several counts, they are apart by a stroke:
+/// "B|D".
+std::string KeyText(const Row& row, const Answer& answer);
+
+/// Points in the shortest decimal: "2.5".
+std::string PointsText(double points);
+
 /// A question to the user. The library words it.
 struct Dialog {
   std::string title;

@@ -1,4 +1,4 @@
-#include "merge_exam/TextTable.h"
+#include "TextTable.h"
 
 #include <sys/ioctl.h>
 #include <unistd.h>
@@ -10,7 +10,7 @@
 #include <numeric>
 #include <string_view>
 
-namespace merge_exam {
+namespace tool {
 
 using namespace TORVA35;
 
@@ -175,4 +175,4 @@ void TextTable::Print(std::ostream& out, std::size_t width) const {
   for (const auto& row : rows_) printRow(row);
 }
 
-}  // namespace merge_exam
+}  // namespace tool

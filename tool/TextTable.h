@@ -7,7 +7,7 @@
 
 #include <torva35/TORVA35.h>
 
-namespace merge_exam {
+namespace tool {
 
 /// Columns of the terminal behind standard output; 0, which stands for no limit, where it is no terminal. The
 /// variable COLUMNS overrules both.
@@ -43,4 +43,4 @@ class TextTable {
   std::vector<std::vector<TORVA35::String>> rows_;
 };
 
-}  // namespace merge_exam
+}  // namespace tool

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <map>
+#include <string>
+
+#include <torva35/sheet/Sheet.h>
+
+namespace tool {
+
+/// What the program says beside its results, on standard error.
+class Console {
+ public:
+  explicit Console(bool quiet) : quiet_(quiet) {}
+
+  /// Shows a dialog and returns the position of the button that was chosen; the first one where nobody can be
+  /// asked.
+  int Ask(const TORVA35::sheet::Dialog& dialog);
+
+  /// Shows how far the work is, on a terminal.
+  void Show(const TORVA35::sheet::Progress& progress);
+  /// Takes what `Show` has left away.
+  void EndProgress();
+
+  /// A line for each finding: "FILE:LINE:COLUMN: severity: text".
+  void Print(const TORVA35::sheet::Result& result) const;
+
+  /// One line about the run.
+  static void Say(const std::string& text);
+
+ private:
+  bool quiet_;
+  bool shown_ = false;
+  std::map<std::string, std::string> seen_;  // texts of dialogs, with the file they were about
+};
+
+}  // namespace tool
