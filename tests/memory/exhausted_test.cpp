@@ -4,7 +4,8 @@
 #include "tests/TempFile.h"
 #include "tests/memory/FailingAllocator.h"
 #include "tests/merge/MergeFixture.h"
-#include "torva35/errors/Caught.h"
+#include "torva35/base/Error.h"
+#include "torva35/xml/DOMDocument.h"
 
 namespace TORVA35 {
 namespace {
@@ -73,11 +74,16 @@ struct World : MergeTest {
   const Ref<clsTORVATest> first = New<clsTORVATest>(), second = New<clsTORVATest>();
   const Ref<clsLmf> lmf = New<clsLmf>();
   Ref<clsTORVATest> copy;
+  DOMDocument document;
+  const TaggedValue exportPath = kExport.Path();
+  String lmfPaths[2] = {kLmf.Path(), kLmf.Path()};
+  String* lmfPath = lmfPaths;
 };
 
 struct Operation {
   const char* name;
   bool (*run)(World& world);  // can be run again after a failure
+  bool hasArgument = false;   // takes it ready from the world
 
   friend void PrintTo(const Operation& operation, std::ostream* out) { *out << operation.name; }
 };
@@ -92,7 +98,8 @@ const Operation kOperations[] = {
     {"Merge", [](World& world) { return world.engine->Merge(); }},
     {"Copy", [](World& world) { return (world.copy = world.first->Copy()) != nullptr; }},
     {"Save", [](World& world) { return world.lmf->Save(kSaved.Path()); }},
-    {"Open", [](World& world) { return world.engine->MIVLMF()->Open(kLmf.Path()); }},
+    {"Open", [](World& world) { return world.engine->MIVLMF()->Open(std::move(*world.lmfPath++)); }, true},
+    {"load", [](World& world) { return world.document.load(world.exportPath); }, true},
     {"LoadLMF", [](World& world) { return world.first->LoadLMF(kLmf.Path()); }},
 };
 
@@ -108,8 +115,11 @@ class Exhausted : public testing::TestWithParam<Operation> {
     FailingAllocator::left = nth;
     try {
       result = GetParam().run(world);
-    } catch (...) {
-      number = CaughtNumber();
+    } catch (const Error& error) {
+      number = error.Number();
+    } catch (const std::bad_alloc&) {
+      // Made on the way into the member, except where the argument is ready.
+      number = GetParam().hasArgument ? -1 : 7;
     }
     FailingAllocator::left = 0;
     const bool failed = FailingAllocator::failed;

@@ -1,7 +1,17 @@
 #include "torva35/xml/DOMDocument.h"
 
 #include <gtest/gtest.h>
+#include <iconv.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
+#include <array>
+#include <cerrno>
+#include <cstdio>
+#include <fstream>
+#include <memory>
+#include <optional>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -106,6 +116,21 @@ TEST(DOMDocument, Encodings) {
       {"<?xml version='1.0' encoding='windows-1252'?><a>\x80\xE9</a>", u"€é"},
       {"<?xml version='1.0' encoding='ISO-8859-15'?><a>\xA4</a>", u"€"},
       {"<?xml version='1.0' encoding='KOI8-R'?><a>\xC1</a>", u"а"},
+      {"<?xml version='1.0' encoding='UTF8'?><a>\xC3\xA9</a>", u"é"},
+      {"<?xml version='1.0' encoding='Shift_JIS'?><a>\x93\xFA\x83\x5C</a>", u"日ソ"},
+      {"<?xml version='1.0' encoding='EUC-JP'?><a>\xC6\xFC\x8F\xB0\xA1</a>", u"日丂"},
+      {"<?xml version='1.0' encoding='GB2312'?><a>\xBA\xBA</a>", u"汉"},
+      {"<?xml version='1.0' encoding='gbk'?><a>\x9C\x79</a>", u"測"},
+      {"<?xml version='1.0' encoding='GB18030'?><a>\xBA\xBA\x81\x30\x84\x36\x94\x39\xFC\x36</a>",
+       u"汉¥\U0001F600"},
+      {"<?xml version='1.0' encoding='Big5'?><a>\xB4\xFA</a>", u"測"},
+      {"<?xml version='1.0' encoding='EUC-KR'?><a>\xC7\xD1</a>", u"한"},
+      // A letter and the point that another converter would join to it.
+      {"<?xml version='1.0' encoding='windows-1255'?><a>\xE0\xC7</a>", u"\u05D0\u05B7"},
+      // A byte order mark beats the declaration.
+      {"\xEF\xBB\xBF<?xml version='1.0' encoding='windows-1252'?><a>Caf\xC3\xA9</a>", u"Café"},
+      {Utf16Bytes(u"\uFEFF<?xml version='1.0' encoding='UTF-8'?><a>é</a>", false), u"é"},
+      {"<\0\0\0a\0\0\0>\0\0\0\xE9\0\0\0<\0\0\0/\0\0\0a\0\0\0>\0\0\0"s, u"é"},
       {"<?xml version='1.0' encoding='US-ASCII'?><a>x</a>", u"x"},
       {Utf16Bytes(u"\uFEFF<a>é\U0001F600\U00010000</a>", false), u"é\U0001F600\U00010000"},
       {Utf16Bytes(u"\uFEFF<a>é\U0001F600</a>", true), u"é\U0001F600"},
@@ -117,11 +142,26 @@ TEST(DOMDocument, RefusesWithReasonAndPlace) {
   std::vector<std::string> rows = {"<a>\0</a>"s,
                                    Utf16Bytes(u"\uFEFF<a>", false) + "\x00\xD8"s + Utf16Bytes(u"x</a>", false),
                                    Utf16Bytes(u"\uFEFF<a>", true) + "\xDC\x00"s + Utf16Bytes(u"</a>", true)};
-  for (const char* row :
-       {"", "<a>", "<a></b>", "<a/><a/>", "<a>&nope;</a>", "<a x='1' x='2'/>", "text", "PK\x03\x04\x14",
-        "<a>\xFF</a>", "<a>\xC3</a>", "<a>\xED\xA0\x80</a>", "<a>&#xD800;</a>", "<a>\x01</a>",
-        "<?xml version='1.0' encoding='UTF-16'?><a/>", "<?xml version='1.0' encoding='Shift_JIS'?><a/>",
-        "<?xml version='1.0' encoding='no-such'?><a/>", "<?xml version='1.0' encoding='US-ASCII'?><a>\xE9</a>"}) {
+  for (const char* row : {"",
+                          "<a>",
+                          "<a></b>",
+                          "<a/><a/>",
+                          "<a>&nope;</a>",
+                          "<a x='1' x='2'/>",
+                          "text",
+                          "PK\x03\x04\x14",
+                          "<a>\xFF</a>",
+                          "<a>\xC3</a>",
+                          "<a>\xED\xA0\x80</a>",
+                          "<a>&#xD800;</a>",
+                          "<a>\x01</a>",
+                          "<?xml version='1.0' encoding='UTF-16'?><a/>",
+                          "<?xml version='1.0' encoding='no-such'?><a/>",
+                          "<?xml version='1.0' encoding='US-ASCII'?><a>\xE9</a>",
+                          "<?xml version='1.0' encoding='Big5'?><a>\xB4</a>",
+                          "<?xml version='1.0' encoding='ISO-2022-JP'?><a>\x1B$BF|\x1B(B</a>",
+                          "<?xml version='2.0'?><a/>",
+                          "<?xml version='1.'?><a/>"}) {
     rows.push_back(row);
   }
   for (const std::string& bytes : rows) {
@@ -131,17 +171,120 @@ TEST(DOMDocument, RefusesWithReasonAndPlace) {
     EXPECT_FALSE(document.selectSingleNode(u"a"));
   }
   DOMDocument document;
-  EXPECT_FALSE(Load(document, "<a>\n  <b>\n</a>"));
-  EXPECT_EQ(document.parseError().line, 3);
-  EXPECT_EQ(document.parseError().column, 3);
-  EXPECT_EQ(document.parseError().byteOffset, 12);
-  for (const String& path : {String(u"/no/such/file"), String(u"/"), String(u""), String(u"/dev/null\0x", 11)}) {
+  for (const String& path : {String(u"/no/such/file"), String(u""), String(u"/dev/null\0x", 11)}) {
     EXPECT_FALSE(document.load(path));
     EXPECT_EQ(document.parseError().line, 0) << ToUtf8(path);
   }
   EXPECT_THROW(document.load(5), Error);
   EXPECT_TRUE(Load(document, "<a/>"));
   EXPECT_TRUE(document.parseError().reason.empty());
+}
+
+// Line, column and byte: of a file, whatever its encoding, and a byte order mark is no character of line 1.
+TEST(DOMDocument, ThePlaceIsThatInTheFile) {
+  const std::string euc = "<?xml version='1.0' encoding='EUC-JP'?><a>\n\xC6\xFC";
+  const std::string longText(200'000, 'x');
+  const std::vector<std::pair<std::string, std::array<std::int64_t, 3>>> rows = {
+      {"<a>\n  <b>\n</a>", {3, 3, 12}},
+      {"\xEF\xBB\xBF<a></b>", {1, 6, 8}},
+      {"\xEF\xBB\xBF<a>\n</b>", {2, 3, 9}},
+      {Utf16Bytes(u"\uFEFF<a>é</b>", false), {1, 7, 14}},
+      {Utf16Bytes(u"\uFEFF<a>", true) + "\xDC\x00"s, {1, 4, 8}},
+      {euc + "\xC6\xFC</b>", {2, 5, 49}},
+      {euc + "\xFF</a>", {2, 2, 45}},
+      {euc + "\xC6", {2, 2, 45}},
+      {euc + longText + "\n" + longText + "</b>", {3, 200'003, 400'048}},
+      {"<?xml version='1.0'\r\nencoding='no-such'?><a/>", {2, 11, 31}}};
+  for (const auto& [bytes, place] : rows) {
+    DOMDocument document;
+    EXPECT_FALSE(Load(document, bytes));
+    const XmlParseError& error = document.parseError();
+    EXPECT_EQ((std::array{error.line, error.column, error.byteOffset}), place) << bytes.substr(0, 100);
+  }
+}
+
+TEST(DOMDocument, OnlyARegularFileIsRead) {
+  const TempFile name;
+  const std::string path = ToUtf8(name.Path());
+  std::remove(path.c_str());
+  ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
+  DOMDocument document;
+  // The pipe would keep its reader for ever.
+  for (const String& other : {name.Path(), String(u"/"), String(u"/dev/null")}) {
+    EXPECT_FALSE(document.load(other));
+    EXPECT_EQ(document.parseError().reason, u"not a file that can be read") << ToUtf8(other);
+  }
+  std::remove(path.c_str());
+  ASSERT_TRUE(std::ofstream(path) && truncate(path.c_str(), 20LL << 30) == 0);
+  EXPECT_FALSE(document.load(name.Path()));
+  EXPECT_EQ(document.parseError().reason, u"file too large");
+}
+
+// The system's converter, asked for one text at a time.
+class Converter {
+ public:
+  Converter(const char* to, const std::string& from) : converter_(iconv_open(to, from.c_str())) {}
+  ~Converter() { iconv_close(converter_); }
+  Converter(const Converter&) = delete;
+  Converter& operator=(const Converter&) = delete;
+
+  /// Nothing, and errno, for bytes that it refuses.
+  std::optional<std::string> operator()(std::string bytes) const {
+    std::string out(8 * bytes.size(), '\0');
+    char *in = bytes.data(), *to = out.data();
+    std::size_t inLeft = bytes.size(), outLeft = out.size();
+    iconv(converter_, nullptr, nullptr, nullptr, nullptr);
+    if (iconv(converter_, &in, &inLeft, &to, &outLeft) == static_cast<std::size_t>(-1)) return std::nullopt;
+    iconv(converter_, nullptr, nullptr, &to, &outLeft);
+    out.resize(out.size() - outLeft);
+    return out;
+  }
+
+ private:
+  const iconv_t converter_;
+};
+
+// A page of the system's converter, by its name: whether every byte of it is read as the converter says.
+bool CheckPage(const std::string& name) {
+  const Converter there("UTF-8", name), back(name.c_str(), "UTF-8");
+  const auto begin = back("<?xml version='1.0' encoding='" + name + "'?><a>"), end = back("</a>");
+  // Its documents must be able to declare it, in ASCII or in EBCDIC.
+  if (!begin || !end || !(begin->starts_with("<?xm") || begin->starts_with("\x4C\x6F\xA7\x94"))) return false;
+  std::string bytes, text, others;
+  for (int byte = 0; byte < 256; ++byte) {
+    const std::string one(1, static_cast<char>(byte));
+    const auto utf8 = there(one);
+    if (!utf8 && errno == EINVAL) return false;  // the first byte of several
+    const bool isText = utf8 && !utf8->empty() && static_cast<unsigned char>(utf8->front()) >= 0x20;
+    if (!isText || *utf8 == "<" || *utf8 == "&") {
+      if (!utf8) others += one;
+    } else {
+      bytes += one;
+      text += *utf8;
+    }
+  }
+  EXPECT_EQ(ToUtf8(ShapeOf(*begin + bytes + *end)), "a('" + text + "')") << name;
+  // Those that are no character: the first and the last, since each one takes a document of its own.
+  for (const std::string& other : {others.substr(0, 1), others.substr(others.empty() ? 0 : others.size() - 1)}) {
+    EXPECT_TRUE(other.empty() || ShapeOf(*begin + other + *end) == u"refused") << name << " " << other;
+  }
+  return true;
+}
+
+TEST(DOMDocument, EveryByteOfEverySingleBytePageIsWhatTheConverterSays) {
+  const std::unique_ptr<FILE, int (*)(FILE*)> list(popen("iconv -l", "r"), pclose);
+  int pages = 0;
+  for (char line[4096]; fgets(line, sizeof(line), list.get()) != nullptr;) {
+    std::istringstream names(line);
+    for (std::string name; names >> name;) {
+      name.resize(std::min(name.find("//"), name.size()));
+      // One whose vowels change places, and names that a declaration cannot hold.
+      if (name == "TSCII" || name.find_first_of(":/()+,") != name.npos || name.front() < 'A') continue;
+      pages += CheckPage(name) ? 1 : 0;
+      break;
+    }
+  }
+  EXPECT_GT(pages, 100);
 }
 
 TEST(DOMDocument, NoCutOfADocumentLoads) {
@@ -158,7 +301,24 @@ TEST(DOMDocument, ExternalEntitiesAreNeverOpened) {
   const std::string uri = ToUtf8(secret.Path());
   EXPECT_EQ(ShapeOf("<!DOCTYPE a [<!ENTITY e SYSTEM '" + uri + "'>]><a>x&e;y</a>"), u"a('xy')");
   EXPECT_EQ(ShapeOf("<!DOCTYPE a SYSTEM '" + uri + "'><a>x&e;y</a>"), u"a('xy')");
-  EXPECT_EQ(ShapeOf("<!DOCTYPE a [<!ENTITY % p SYSTEM '" + uri + "'> %p;]><a>x</a>"), u"a('x')");
+  // Nor is what follows one lost.
+  EXPECT_EQ(ShapeOf("<!DOCTYPE a [<!ENTITY % p SYSTEM '" + uri + "'>%p;<!ENTITY e 'v'>]><a>x&e;&f;</a>"),
+            u"a('xv')");
+}
+
+TEST(DOMDocument, ParameterEntities) {
+  const std::string declared =
+      "<!DOCTYPE a [<!ENTITY % p '<!ENTITY e \"v\"><!ATTLIST a b CDATA \"w\">'>%p;"
+      "<!ENTITY f 'x'>]><a c='&f;'>&f;";
+  EXPECT_EQ(ShapeOf(declared + "&e;</a>"), u"a[c=x][b=w]('xv')");
+  const std::string standalone = "<?xml version='1.1' standalone='yes'?>" + declared;
+  EXPECT_EQ(ShapeOf(standalone + "</a>"), u"a[c=x][b=w]('x')");
+  EXPECT_EQ(ShapeOf(standalone + "&e;</a>"), u"refused");  // what stands alone depends on none of them
+  for (const char* row : {"<!ENTITY % p '<!ENTITY e >'>%p;", "<!ENTITY % p '&#37;p;'>%p;", "%p;",
+                          "<!ENTITY % p ''>%p;%q;", "<!ENTITY % p SYSTEM 'q'>%p;%q;"}) {
+    EXPECT_EQ(ShapeOf("<!DOCTYPE a [" + std::string(row) + "]><a/>"), u"refused") << row;
+  }
+  EXPECT_EQ(ShapeOf("<!DOCTYPE a [<!ENTITY % p ''>%p;]><a>&e;</a>"), u"refused");
 }
 
 std::string Repeated(std::size_t count, std::string_view text) {
@@ -194,6 +354,16 @@ TEST(DOMDocument, HostileShapesLoadOrAreRefused) {
     }
     return "<!DOCTYPE a [" + entities + "]>";
   };
+  const auto parameterChain = [](int count) {
+    std::string entities = "<!ENTITY % e0 '<!ENTITY x \"y\">'>";
+    for (int i = 1; i <= count; ++i) {
+      entities += "<!ENTITY % e" + std::to_string(i) + " '&#37;e" + std::to_string(i - 1) + ";'>";
+    }
+    return "<!DOCTYPE a [" + entities + "%e" + std::to_string(count) + ";]><a>&x;</a>";
+  };
+  ASSERT_TRUE(Load(document, parameterChain(1000)));
+  EXPECT_EQ(document.selectSingleNode(u"a").Text(), u"y");
+  EXPECT_FALSE(Load(document, parameterChain(1001)));
   ASSERT_TRUE(Load(document, chain(1000) + "<a b='&e1000;'>&e1000;</a>"));
   EXPECT_EQ(document.selectSingleNode(u"a").Text(), u"x");
   EXPECT_FALSE(Load(document, chain(50'000) + "<a/>"));
@@ -221,6 +391,13 @@ TEST(DOMDocument, DeclaredAttributesAreLimited) {
   EXPECT_FALSE(Load(document, WithDefaults(empty, 2'000)));
   EXPECT_FALSE(Load(document, WithDefaults(implied, 1)));
   EXPECT_EQ(document.parseError().reason, u"too many declarations");
+
+  // The parser goes through them at each element.
+  std::string unused;
+  for (int i = 0; i < 9'999; ++i) unused += " x" + std::to_string(i) + " CDATA #IMPLIED";
+  EXPECT_TRUE(Load(document, WithDefaults(unused, 10'001)));
+  EXPECT_FALSE(Load(document, WithDefaults(unused, 10'002)));
+  EXPECT_EQ(document.parseError().reason, u"too many elements with declared attributes");
 }
 
 }  // namespace

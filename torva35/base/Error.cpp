@@ -26,12 +26,23 @@ constexpr NumberedText kTexts[] = {
 
 }  // namespace
 
-Error::Error(Long number, String description, Long line, String source)
-    : number_(number),
-      line_(line),
-      description_(std::move(description)),
-      source_(std::move(source)),
-      what_(std::to_string(number) + ": " + ToUtf8(description_)) {}
+Error::Error(Long number, String description, Long line, String source) : number_(number), line_(line) {
+  std::string what = std::to_string(number) + ": " + ToUtf8(description);
+  texts_ = std::make_shared<const Texts>(Texts{std::move(description), std::move(source), std::move(what)});
+}
+
+Error::Error(Long number, Long line, std::shared_ptr<const Texts> texts) noexcept
+    : number_(number), line_(line), texts_(std::move(texts)) {}
+
+Error Error::OutOfMemory(Long line) noexcept {
+  // Made when the library is loaded: there is no making it when it is needed.
+  static const Error made(kOutOfMemory, StandardText(kOutOfMemory));
+  return Error(kOutOfMemory, line, made.texts_);
+}
+
+namespace {
+[[maybe_unused]] const Error kMadeInTime = Error::OutOfMemory();
+}
 
 String StandardText(Long number) {
   for (const NumberedText& row : kTexts) {
@@ -41,7 +52,9 @@ String StandardText(Long number) {
 }
 
 void Raise(ErrorNumber number, CallSite at) {
-  throw Error(number, StandardText(number), static_cast<Long>(at.Line()));
+  const auto line = static_cast<Long>(at.Line());
+  if (number == kOutOfMemory) throw Error::OutOfMemory(line);
+  throw Error(number, StandardText(number), line);
 }
 
 }  // namespace TORVA35

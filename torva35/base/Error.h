@@ -1,6 +1,7 @@
 #pragma once
 
 #include <exception>
+#include <memory>
 #include <string>
 
 #include "torva35/base/CallSite.h"
@@ -31,24 +32,37 @@ class TORVA35_API Error : public std::exception {
   /// line: source line of the failing statement, 0 when none is known. source: what raised the failure, for a host
   /// that looks at it; reports do not carry it.
   Error(Long number, String description, Long line = 0, String source = {});
+  /// Copies share what they say, which takes no memory.
+  ///@{
+  Error(const Error&) noexcept = default;
+  Error& operator=(const Error&) noexcept = default;
+  ///@}
 
   /// What the constructor was given.
   ///@{
   Long Number() const { return number_; }
-  const String& Description() const { return description_; }
+  const String& Description() const { return texts_->description; }
   Long Line() const { return line_; }
-  const String& Source() const { return source_; }
+  const String& Source() const { return texts_->source; }
   ///@}
 
   /// Number and description in UTF-8.
-  const char* what() const noexcept override { return what_.c_str(); }
+  const char* what() const noexcept override { return texts_->what.c_str(); }
+
+  /// Exhausted memory (7) with its standard text. It takes none.
+  static Error OutOfMemory(Long line = 0) noexcept;
 
  private:
+  struct Texts {
+    String description;
+    String source;
+    std::string what;
+  };
+  Error(Long number, Long line, std::shared_ptr<const Texts> texts) noexcept;
+
   Long number_;
   Long line_;
-  String description_;
-  String source_;
-  std::string what_;
+  std::shared_ptr<const Texts> texts_;
 };
 
 /// The text that belongs to a number: that of the table for the numbers above, one general text for all others.

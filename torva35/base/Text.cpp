@@ -1,5 +1,7 @@
 #include "torva35/base/Text.h"
 
+#include <utf8.h>
+
 #include <algorithm>
 #include <array>
 #include <charconv>
@@ -150,35 +152,6 @@ String ShortestText(Floating value) {
   return text;
 }
 
-// Decodes one character; a byte that begins none stands for U+FFFD alone.
-char32_t DecodeUtf8(std::string_view bytes, std::size_t& i) {
-  constexpr char32_t kReplacement = 0xFFFD;
-  const auto at = [&](std::size_t k) { return static_cast<unsigned char>(bytes[k]); };
-  const unsigned char lead = at(i++);
-  if (lead < 0x80) return lead;
-  const int more = lead >= 0xF0 ? 3 : lead >= 0xE0 ? 2 : 1;
-  if (lead < 0xC2 || lead > 0xF4 || i + static_cast<std::size_t>(more) > bytes.size()) return kReplacement;
-  char32_t code = lead & (0x3F >> more);
-  for (int k = 0; k < more; ++k) {
-    const unsigned char next = at(i + static_cast<std::size_t>(k));
-    if ((next & 0xC0) != 0x80) return kReplacement;
-    code = code << 6 | (next & 0x3F);
-  }
-  const bool tooLong = more == 2 ? code < 0x800 : more == 3 && code < 0x10000;
-  if (tooLong || (code >= 0xD800 && code < 0xE000) || code > 0x10FFFF) return kReplacement;
-  i += static_cast<std::size_t>(more);
-  return code;
-}
-
-void AppendCode(String& text, char32_t code) {
-  if (code < 0x10000) {
-    text += static_cast<char16_t>(code);
-  } else {
-    text += static_cast<char16_t>(0xD7C0 + (code >> 10));
-    text += static_cast<char16_t>(0xDC00 + (code & 0x3FF));
-  }
-}
-
 bool AreAscii(const unsigned char* eight) {
   std::uint64_t bytes;
   std::memcpy(&bytes, eight, sizeof(bytes));
@@ -300,31 +273,37 @@ Double NumberOf(const TaggedValue& value, CallSite at) {
   return Converted<Double>(number, at);
 }
 
+void AppendUtf8(std::string& bytes, char32_t code) {
+  utf8::unchecked::append(code, std::back_inserter(bytes));
+}
+
 std::string ToUtf8(StringView text) {
   std::string bytes;
   bytes.reserve(text.size());
   for (std::size_t i = 0; i < text.size(); ++i) {
     char32_t code = text[i];
-    if (code >= 0xD800 && code < 0xE000) {
-      const bool pair = code < 0xDC00 && i + 1 < text.size() && text[i + 1] >= 0xDC00 && text[i + 1] < 0xE000;
-      code = pair ? 0x10000 + ((code - 0xD800) << 10) + (text[++i] - 0xDC00u) : 0xFFFD;
-    }
     if (code < 0x80) {
       bytes += static_cast<char>(code);
       continue;
     }
-    const int more = code < 0x800 ? 1 : code < 0x10000 ? 2 : 3;
-    bytes += static_cast<char>(((0xFF00 >> (more + 1)) & 0xFF) | code >> (6 * more));
-    for (int k = more - 1; k >= 0; --k) bytes += static_cast<char>(0x80 | (code >> (6 * k) & 0x3F));
+    if (code >= 0xD800 && code < 0xE000) {
+      const bool pair = code < 0xDC00 && i + 1 < text.size() && text[i + 1] >= 0xDC00 && text[i + 1] < 0xE000;
+      code = pair ? 0x10000 + ((code - 0xD800) << 10) + (text[++i] - 0xDC00u) : 0xFFFD;
+    }
+    AppendUtf8(bytes, code);
   }
   return bytes;
 }
 
 String FromUtf8(std::string_view bytes) {
   String text;
-  text.reserve(bytes.size());
-  for (std::size_t i = 0; i < bytes.size();) AppendCode(text, DecodeUtf8(bytes, i));
-  return text;
+  for (;;) {
+    const auto good = static_cast<std::size_t>(utf8::find_invalid(bytes.begin(), bytes.end()) - bytes.begin());
+    AppendUtf8(text, bytes.substr(0, good));
+    if (good == bytes.size()) return text;
+    text += u'\uFFFD';
+    bytes.remove_prefix(good + 1);
+  }
 }
 
 void AppendUtf8(String& text, std::string_view bytes) {
@@ -337,20 +316,18 @@ void AppendUtf8(String& text, std::string_view bytes) {
     // Most texts are ASCII, which widens eight at a time.
     for (; end - in >= 8 && AreAscii(in); in += 8, out += 8) std::copy(in, in + 8, out);
     if (in == end) return;
-    const char32_t lead = *in++;
-    if (lead < 0x80) {
-      *out++ = static_cast<char16_t>(lead);
-    } else if (lead < 0xE0) {
-      *out++ = static_cast<char16_t>((lead & 0x1F) << 6 | (in[0] & 0x3Fu));
-      in += 1;
-    } else if (lead < 0xF0) {
-      *out++ = static_cast<char16_t>((lead & 0x0F) << 12 | (in[0] & 0x3Fu) << 6 | (in[1] & 0x3Fu));
-      in += 2;
+    if (*in < 0x80) {
+      *out++ = *in++;
+      continue;
+    }
+    const unsigned char* next = in;  // a copy, which leaves `in` in its register
+    const char32_t code = utf8::unchecked::next(next);
+    in = next;
+    if (code < 0x10000) {
+      *out++ = static_cast<char16_t>(code);
     } else {
-      const char32_t code = (lead & 0x07) << 18 | (in[0] & 0x3Fu) << 12 | (in[1] & 0x3Fu) << 6 | (in[2] & 0x3Fu);
       *out++ = static_cast<char16_t>(0xD7C0 + (code >> 10));
       *out++ = static_cast<char16_t>(0xDC00 + (code & 0x3FF));
-      in += 3;
     }
   }
 }

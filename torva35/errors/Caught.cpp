@@ -13,7 +13,7 @@ Error CaughtError() {
   } catch (const Error& error) {
     return error;
   } catch (const std::bad_alloc&) {
-    return Error(kOutOfMemory, StandardText(kOutOfMemory));
+    return Error::OutOfMemory();
   } catch (const std::exception& foreign) {
     const String text = FromUtf8(foreign.what());
     return Error(kInternalError, text.empty() ? StandardText(kInternalError) : text);

@@ -1,14 +1,16 @@
 #include <algorithm>
+#include <array>
 #include <charconv>
-#include <filesystem>
-#include <fstream>
 #include <iterator>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "torva35/base/Text.h"
 #include "torva35/lmf/LmfFile.h"
+#include "torva35/platform/InputFile.h"
 #include "torva35/xml/DOMDocument.h"
+#include "torva35/xml/XmlReader.h"
 
 namespace TORVA35 {
 namespace lmf_file {
@@ -258,48 +260,65 @@ class Reader {
   std::vector<Name> names_;  // by their number in the document
 };
 
-enum class Check { kNone, kRight, kWrong };
+// The checksum that a file ends with, and of how many bytes before it.
+struct Checksum {
+  std::uint32_t crc;
+  std::int64_t size;
+};
 
-// Compares the checksum at the end of the file with the bytes in front of it. A file without one was not written
-// by this library, or has lost its end.
-Check CheckOf(const std::string& path, std::uintmax_t size) {
-  constexpr std::size_t kEnd = kCheckBegin.size() + kCheckDigits + kCheckEnd.size();
-  if (size < kEnd) return Check::kNone;
-  std::ifstream file(path, std::ios::binary);
-  std::uint32_t crc = 0;
-  std::string bytes;
-  for (std::uintmax_t left = size - kEnd; left > 0; left -= bytes.size()) {
-    bytes.resize(static_cast<std::size_t>(std::min<std::uintmax_t>(left, 1 << 16)));
-    if (!file.read(bytes.data(), static_cast<std::streamsize>(bytes.size()))) return Check::kWrong;
-    crc = Crc32(crc, bytes);
-  }
-  bytes.resize(kEnd);
-  if (!file.read(bytes.data(), static_cast<std::streamsize>(kEnd))) return Check::kWrong;
-  if (!bytes.starts_with(kCheckBegin) || !bytes.ends_with(kCheckEnd)) return Check::kNone;
-  std::uint32_t stored = 0;
-  const char* digits = bytes.data() + kCheckBegin.size();
-  const bool number = std::from_chars(digits, digits + kCheckDigits, stored, 16).ptr == digits + kCheckDigits;
-  return number && stored == crc ? Check::kRight : Check::kWrong;
+enum class Tail { kWithout, kChecksum, kDamaged };
+
+// Looks at the end of the file alone. A file without a checksum was not written by this library, or has lost its
+// end.
+Tail ReadTail(InputFile& file, Checksum& checksum) {
+  std::array<char, kCheckBegin.size() + kCheckDigits + kCheckEnd.size()> bytes;
+  checksum.size = file.Size() - static_cast<std::int64_t>(bytes.size());
+  if (checksum.size < 0 || file.ReadAt(checksum.size, bytes.data(), bytes.size()) < bytes.size())
+    return Tail::kWithout;
+  const std::string_view tail(bytes.data(), bytes.size());
+  if (!tail.starts_with(kCheckBegin) || !tail.ends_with(kCheckEnd)) return Tail::kWithout;
+  const char* const digits = bytes.data() + kCheckBegin.size();
+  const auto [end, error] = std::from_chars(digits, digits + kCheckDigits, checksum.crc, 16);
+  return error == std::errc() && end == digits + kCheckDigits ? Tail::kChecksum : Tail::kDamaged;
 }
+
+// The CRC of the first bytes of a file.
+class CrcOfFirst {
+ public:
+  explicit CrcOfFirst(std::int64_t size) : left_(size) {}
+
+  void Pass(std::string_view bytes) {
+    const std::string_view part =
+        bytes.substr(0, static_cast<std::size_t>(std::min<std::int64_t>(left_, 1 << 30)));
+    crc_ = Crc32(crc_, part);
+    left_ -= static_cast<std::int64_t>(part.size());
+  }
+  bool Is(std::uint32_t crc) const { return left_ == 0 && crc_ == crc; }
+
+ private:
+  std::int64_t left_;
+  std::uint32_t crc_ = 0;
+};
 
 }  // namespace
 }  // namespace lmf_file
 
+// What the checksum is compared with are the bytes that are parsed: whoever writes the file in the meantime cannot
+// put others in their place.
 bool ReadLmf(const String& sPath, clsLmf& oLmf) {
-  using lmf_file::Check;
-  const std::string path = ToUtf8(sPath);
-  // Nothing but a file has an end to read up to.
-  std::error_code error;
-  if (!std::filesystem::is_regular_file(path, error)) return false;
-  const std::uintmax_t size = std::filesystem::file_size(path, error);
-  if (error) return false;
-  const Check check = lmf_file::CheckOf(path, size);
-  if (check == Check::kWrong) return false;
+  using namespace lmf_file;
+  InputFile file(sPath);
+  Checksum checksum{};
+  const Tail tail = ReadTail(file, checksum);
+  if (tail == Tail::kDamaged) return false;
+  const bool hasCheck = tail == Tail::kChecksum;
+  CrcOfFirst crc(hasCheck ? checksum.size : 0);
 
   DOMDocument document;
-  if (!document.load(sPath)) return false;
+  if (!XmlReader::Load(document, std::move(file), [&](std::string_view bytes) { crc.Pass(bytes); })) return false;
+  if (hasCheck && !crc.Is(checksum.crc)) return false;
   const IXMLDOMNode root = document.selectSingleNode(u"lmf");
-  return root && lmf_file::Reader(oLmf).Read(root, check == Check::kRight);
+  return root && Reader(oLmf).Read(root, hasCheck);
 }
 
 }  // namespace TORVA35

@@ -2,6 +2,7 @@
 
 #include <new>
 
+#include "torva35/base/Error.h"
 #include "torva35/lmf/LmfFile.h"
 
 namespace TORVA35 {
@@ -28,6 +29,9 @@ bool clsLmf::Open(String sPath) {
   Clear();
   try {
     if (ReadLmf(sPath, *this)) return true;
+  } catch (const std::bad_alloc&) {
+    Clear();
+    Raise(kOutOfMemory);
   } catch (...) {
     Clear();
     throw;

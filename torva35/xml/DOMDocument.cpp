@@ -1,5 +1,7 @@
 #include "torva35/xml/DOMDocument.h"
 
+#include <new>
+
 #include "torva35/base/Error.h"
 #include "torva35/base/Text.h"
 #include "torva35/xml/XmlReader.h"
@@ -21,32 +23,6 @@ String Utf16(std::string_view utf8) {
 
 }  // namespace
 
-XmlTree::XmlTree() : numbers(0, NameHash{this}, NameEqual{this}) {}
-
-std::string_view XmlTree::Name(std::uint32_t number) const {
-  const std::uint32_t begin = number == 0 ? 0 : nameEnds[number - 1];
-  return std::string_view(names).substr(begin, nameEnds[number] - begin);
-}
-
-std::uint32_t XmlTree::Intern(std::string_view name) {
-  // These factors keep all but two of the usual names apart.
-  const auto first = static_cast<unsigned char>(name.front());
-  const auto last = static_cast<unsigned char>(name.back());
-  std::uint32_t& known = recent[(first * 13u + last * 28u + name.size()) % recent.size()];
-  if (known < NameCount() && Name(known) == name) return known;
-  if (const auto found = numbers.find(name); found != numbers.end()) return known = *found;
-  const std::uint32_t number = known = NameCount();
-  names.append(name);
-  nameEnds.push_back(static_cast<std::uint32_t>(names.size()));
-  numbers.insert(number);
-  return number;
-}
-
-std::uint32_t XmlTree::FindName(std::string_view name) const {
-  const auto found = numbers.find(name);
-  return found == numbers.end() ? kFirstReserved : *found;
-}
-
 DOMDocument::DOMDocument() noexcept = default;
 DOMDocument::~DOMDocument() = default;
 DOMDocument::DOMDocument(DOMDocument&&) noexcept = default;
@@ -57,13 +33,13 @@ bool DOMDocument::load(const TaggedValue& vFileName) {
   tree_.reset();
   const auto* fileName = vFileName.As<String>();
   if (fileName == nullptr) Raise(kTypeMismatch);
-  building_ = std::make_unique<XmlTree>();
-  reader_ = std::make_unique<XmlReader>(*building_);
-  parseError_ = reader_->Read(*fileName);
-  reader_.reset();
-  if (parseError_.reason.empty()) tree_ = std::move(building_);
-  building_.reset();
-  return tree_ != nullptr;
+  try {
+    return XmlReader::Load(*this, InputFile(*fileName));
+  } catch (const std::bad_alloc&) {
+    reader_.reset();
+    building_.reset();
+    Raise(kOutOfMemory);
+  }
 }
 
 IXMLDOMNode DOMDocument::Root() const {

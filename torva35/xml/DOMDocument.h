@@ -32,12 +32,15 @@ struct XmlParseError {
 /// Nodes are elements, texts and CDATA sections. Comments and processing instructions are none, and the text
 /// around them is one node; so is text that mixes literal characters, character references and entities. Text of
 /// white space alone is no node, except in a CDATA section. Namespaces are not processed. Internal entities
-/// expand, and attributes get their declared values, within limits: a file makes no more than ten times its size,
-/// or 8 MiB, and declares no more than 10,000 of them, 1,000 of which may be entities of entities. External
-/// entities are never opened and contribute nothing, and nothing is validated.
+/// expand, parameter entities among them, and attributes get their declared values. External entities are never
+/// opened and contribute nothing, and nothing is validated. XML 1.x, whatever x.
 ///
-/// Encodings: UTF-8, UTF-16, ISO-8859-1, US-ASCII and the single-byte code pages that the system's converter
-/// knows.
+/// Limits, each with words of its own in `parseError`: a file of 1 GiB; ten times the file's size, or 8 MiB, that
+/// entities and declared attributes add; 10,000 declarations, of which 1,000 entities may refer to others; for all
+/// elements together, 100 million attributes that are declared for them, given or not; 4 GiB of text.
+///
+/// Encodings: UTF-8, UTF-16, UTF-32, and each one that the system's converter knows and that keeps no state
+/// between characters. A byte order mark beats the declaration.
 class TORVA35_API DOMDocument {
  public:
   DOMDocument() noexcept;
@@ -66,6 +69,8 @@ class TORVA35_API DOMDocument {
   const XmlParseError& parseError() const { return parseError_; }
 
  private:
+  friend struct XmlReader;
+
   // Members, not locals of load: a processor fault abandons the frames in between, and nothing of them may be
   // lost.
   std::unique_ptr<XmlTree> tree_;

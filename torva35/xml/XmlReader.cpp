@@ -3,14 +3,8 @@
 // Declares the limits on entity expansion.
 #define XML_DTD
 #include <expat.h>
-#include <fcntl.h>
-#include <iconv.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 #include <algorithm>
-#include <cerrno>
-#include <cstring>
 #include <new>
 #include <string>
 
@@ -26,11 +20,13 @@ constexpr std::int64_t kLargestChunk = 1 << 28;
 // declared for them; small files may always reach 8 MiB. The parser itself watches over the entities only.
 constexpr int kMaximumAmplification = 10;
 constexpr std::int64_t kAlwaysAllowed = 8 << 20;
-// Entities and attributes that a document may declare: at every element the parser goes through all attributes
-// that are declared for it.
+constexpr std::int64_t kLargestFile = 1 << 30;
+// Entities and attributes that a document may declare.
 constexpr int kMostDeclared = 10'000;
 // How many of the entities may refer to others, and so how deep they nest: the parser calls itself for each level.
 constexpr int kMostNested = 1'000;
+// At each element the parser goes through all attributes that are declared for it, whether it has them or not.
+constexpr std::int64_t kMostAttributesPassed = 100'000'000;
 // Offsets into the tree are 32 bits wide.
 constexpr std::size_t kLargest = 0xFFFF0000;
 
@@ -42,35 +38,13 @@ constexpr Refusal kTooLarge{u"document too large"};
 constexpr Refusal kTooManyDeclared{u"too many declarations"};
 constexpr Refusal kTooManyNested{u"too many entities that refer to others"};
 constexpr Refusal kTooMuchDefaulted{u"too much from declared attributes"};
+constexpr Refusal kTooManyPassed{u"too many elements with declared attributes"};
+constexpr Refusal kUnknownVersion{u"unknown version of XML"};
+constexpr Refusal kUndefinedEntity{u"undefined entity"};
+constexpr const char16_t* kFileTooLarge = u"file too large";
 
 void NeedRoom(std::size_t size) {
   if (size > kLargest) throw kTooLarge;
-}
-
-// Fills the map of a single-byte code page from the system's converter.
-int XMLCALL UnknownEncoding(void*, const XML_Char* name, XML_Encoding* encoding) {
-  const iconv_t converter = iconv_open("UTF-32LE", name);
-  // NOLINTNEXTLINE(performance-no-int-to-ptr): that is how it fails.
-  if (converter == reinterpret_cast<iconv_t>(-1)) return XML_STATUS_ERROR;
-  bool singleByte = true;
-  for (int byte = 0; byte < 256; ++byte) {
-    char in = static_cast<char>(byte);
-    unsigned char out[8] = {};
-    char* from = &in;
-    char* to = reinterpret_cast<char*>(out);
-    std::size_t fromLeft = 1;
-    std::size_t toLeft = sizeof(out);
-    iconv(converter, nullptr, nullptr, nullptr, nullptr);
-    const bool converted = iconv(converter, &from, &fromLeft, &to, &toLeft) != static_cast<std::size_t>(-1);
-    if (!converted && errno == EINVAL) singleByte = false;  // the beginning of a longer sequence
-    const int code = out[0] | out[1] << 8 | out[2] << 16;
-    encoding->map[byte] = converted && toLeft == 4 && code <= 0xFFFF ? code : -1;
-  }
-  iconv_close(converter);
-  encoding->data = nullptr;
-  encoding->convert = nullptr;
-  encoding->release = nullptr;
-  return singleByte ? XML_STATUS_OK : XML_STATUS_ERROR;
 }
 
 // By hand: the search for a set of characters is a function call for every character.
@@ -79,39 +53,13 @@ bool IsWhite(std::string_view text) {
                      [](char c) { return c == ' ' || c == '\n' || c == '\t' || c == '\r'; });
 }
 
-XmlParseError Unreadable(int error) {
+XmlParseError Unreadable(String reason) {
   XmlParseError result;
-  result.reason = FromUtf8(std::strerror(error));
+  result.reason = std::move(reason);
   return result;
 }
 
 }  // namespace
-
-std::size_t SurrogateCheck::Accept(std::string_view bytes) {
-  const auto at = [&](std::size_t i) { return static_cast<unsigned char>(bytes[i]); };
-  if (units_ == Units::kUnknown && bytes.size() >= 2) {
-    // By the byte order mark, or by the "<" that begins a document without one.
-    const unsigned first = static_cast<unsigned>(at(0)) << 8 | at(1);
-    units_ = first == 0xFFFE || first == 0x3C00   ? Units::kLittle
-             : first == 0xFEFF || first == 0x003C ? Units::kBig
-                                                  : Units::kOther;
-  }
-  if (units_ == Units::kUnknown || units_ == Units::kOther) return bytes.size();
-  for (std::size_t i = 0; i < bytes.size(); ++i) {
-    if (!haveHalf_) {
-      half_ = at(i);
-      haveHalf_ = true;
-      continue;
-    }
-    haveHalf_ = false;
-    const unsigned char high = units_ == Units::kLittle ? at(i) : half_;
-    const bool lead = high >= 0xD8 && high < 0xDC;
-    const bool trail = high >= 0xDC && high < 0xE0;
-    if (trail != afterLead_) return i == 0 ? 0 : i - 1;
-    afterLead_ = lead;
-  }
-  return bytes.size();
-}
 
 // Each one catches what it raises, since nothing may pass through the parser's frames.
 struct XmlReader::Callbacks {
@@ -142,14 +90,28 @@ struct XmlReader::Callbacks {
   static void XMLCALL EndCdata(void* data) {
     Run(data, [&](XmlReader& reader) { reader.EndCdata(); });
   }
-  static void XMLCALL Attribute(void* data, const XML_Char*, const XML_Char*, const XML_Char*, const XML_Char*,
-                                int) {
-    Run(data, [&](XmlReader& reader) { reader.Declare(); });
+  static void XMLCALL Declaration(void* data, const XML_Char* version, const XML_Char*, int) {
+    Run(data, [&](XmlReader& reader) { reader.BeginDocument(version); });
+  }
+  static void XMLCALL Attribute(void* data, const XML_Char* element, const XML_Char*, const XML_Char*,
+                                const XML_Char*, int) {
+    Run(data, [&](XmlReader& reader) { reader.DeclareAttribute(element); });
   }
   static void XMLCALL Entity(void* data, const XML_Char*, int, const XML_Char* value, int length, const XML_Char*,
                              const XML_Char*, const XML_Char*, const XML_Char*) {
     // An external one has no value, and is never opened.
     Run(data, [&](XmlReader& reader) { reader.DeclareEntity({value, static_cast<std::size_t>(length)}); });
+  }
+  static int XMLCALL External(XML_Parser parser, const XML_Char* context, const XML_Char*, const XML_Char*,
+                              const XML_Char*) {
+    int status = XML_STATUS_ERROR;
+    // Without a context it is a parameter entity, or the part of the document type that stands outside.
+    Run(XML_GetUserData(parser),
+        [&](XmlReader& reader) { status = reader.OpenExternal(parser, context == nullptr); });
+    return status;
+  }
+  static void XMLCALL Skipped(void* data, const XML_Char*, int isParameter) {
+    Run(data, [&](XmlReader& reader) { reader.SkipEntity(isParameter != 0); });
   }
 };
 
@@ -157,15 +119,21 @@ void XmlReader::FreeParser::operator()(XML_ParserStruct* parser) const {
   XML_ParserFree(parser);
 }
 
-XmlReader::~XmlReader() {
-  if (file_ >= 0) close(file_);
+bool XmlReader::Load(DOMDocument& document, InputFile file, Listener listener) {
+  document.parseError_ = {};
+  document.tree_.reset();
+  document.building_ = std::make_unique<XmlTree>();
+  document.reader_ = std::make_unique<XmlReader>(*document.building_, std::move(file), std::move(listener));
+  document.parseError_ = document.reader_->Read();
+  document.reader_.reset();
+  if (document.parseError_.reason.empty()) document.tree_ = std::move(document.building_);
+  document.building_.reset();
+  return document.tree_ != nullptr;
 }
 
-XmlParseError XmlReader::Read(const String& fileName) {
-  // A path cannot hold a NUL; cut off there it would name another file.
-  if (fileName.find(u'\0') != fileName.npos) return Unreadable(ENOENT);
-  file_ = open(ToUtf8(fileName).c_str(), O_RDONLY | O_CLOEXEC);
-  if (file_ < 0) return Unreadable(errno);
+XmlParseError XmlReader::Read() {
+  if (!file_.Problem().empty()) return Unreadable(file_.Problem());
+  if (file_.Size() > kLargestFile) return Unreadable(kFileTooLarge);
   StartParser();
   try {
     return ReadAll();
@@ -175,7 +143,8 @@ XmlParseError XmlReader::Read(const String& fileName) {
 }
 
 void XmlReader::StartParser() {
-  parser_.reset(XML_ParserCreate(nullptr));
+  // The encoding is the decoder's business; given here, it stands whatever the document declares.
+  parser_.reset(XML_ParserCreate("UTF-8"));
   if (parser_ == nullptr) throw std::bad_alloc();
   XML_Parser parser = parser_.get();
   XML_SetUserData(parser, this);
@@ -184,7 +153,10 @@ void XmlReader::StartParser() {
   XML_SetCdataSectionHandler(parser, Callbacks::StartCdata, Callbacks::EndCdata);
   XML_SetAttlistDeclHandler(parser, Callbacks::Attribute);
   XML_SetEntityDeclHandler(parser, Callbacks::Entity);
-  XML_SetUnknownEncodingHandler(parser, UnknownEncoding, nullptr);
+  XML_SetXmlDeclHandler(parser, Callbacks::Declaration);
+  XML_SetParamEntityParsing(parser, XML_PARAM_ENTITY_PARSING_ALWAYS);
+  XML_SetExternalEntityRefHandler(parser, Callbacks::External);
+  XML_SetSkippedEntityHandler(parser, Callbacks::Skipped);
   XML_SetBillionLaughsAttackProtectionMaximumAmplification(parser, kMaximumAmplification);
   XML_SetBillionLaughsAttackProtectionActivationThreshold(parser, kAlwaysAllowed);
   Append({XmlTree::kDocument, 0, 0, 0, 0, 0});
@@ -195,45 +167,80 @@ XmlParseError XmlReader::ReadAll() {
   for (;;) {
     // The parser begins an unfinished token anew with each chunk: as much again keeps a long one from taking
     // quadratic time.
-    const std::int64_t unfinished = bytesRead_ - XML_GetCurrentByteIndex(parser_.get());
+    const std::int64_t unfinished = bytesParsed_ - XML_GetCurrentByteIndex(parser_.get());
     const auto chunk = static_cast<int>(std::clamp(unfinished, kChunk, kLargestChunk));
-    void* buffer = XML_GetBuffer(parser_.get(), chunk);
+    auto* buffer = static_cast<char*>(XML_GetBuffer(parser_.get(), chunk));
     if (buffer == nullptr) throw std::bad_alloc();
-    ssize_t count;
-    do {
-      count = read(file_, buffer, static_cast<std::size_t>(chunk));
-    } while (count < 0 && errno == EINTR);
-    if (count < 0) return Unreadable(errno);
-    bytesRead_ += count;
-    const auto size = static_cast<std::size_t>(count);
-    const std::size_t good = surrogates_.Accept({static_cast<const char*>(buffer), size});
-    const XML_Status status = XML_ParseBuffer(parser_.get(), static_cast<int>(good), count == 0);
+    const std::size_t size = file_.ReadAt(bytesRead_, buffer, static_cast<std::size_t>(chunk));
+    if (!file_.Problem().empty()) return Unreadable(file_.Problem());
+    if (listener_) listener_({buffer, size});
+    if (bytesRead_ == 0) {
+      XmlParseError error = decoder_.Begin({buffer, size}, size < static_cast<std::size_t>(chunk));
+      if (!error.reason.empty()) return error;
+    }
+    bytesRead_ += static_cast<std::int64_t>(size);
+    if (bytesRead_ > kLargestFile) return Unreadable(kFileTooLarge);
+    const bool parsed = Parse(buffer, size);
     if (failure_) std::rethrow_exception(failure_);
-    if (status != XML_STATUS_OK) {
+    if (!parsed) {
       const XML_Error code = XML_GetErrorCode(parser_.get());
       if (code == XML_ERROR_NO_MEMORY) throw std::bad_alloc();
       return Stopped(FromUtf8(XML_ErrorString(code)));
     }
-    if (good < size) return Stopped(u"surrogate without its partner");
-    if (count == 0) break;
+    if (size == 0) break;
   }
   tree_.nodes[0].textEnd = static_cast<std::uint32_t>(tree_.text.size());
   return {};
 }
 
-XmlParseError XmlReader::Stopped(String reason) const {
+// Gives the parser the next bytes of the file, which stand in a buffer of its own; no bytes are the end.
+bool XmlReader::Parse(char* buffer, std::size_t size) {
+  if (decoder_.IsUtf8()) {
+    bytesParsed_ += static_cast<std::int64_t>(size);
+    return XML_ParseBuffer(parser_.get(), static_cast<int>(size), size == 0) == XML_STATUS_OK;
+  }
+  source_.append(buffer, size);
+  utf8_.clear();
+  source_.erase(0, decoder_.Convert(source_, size == 0, utf8_));
+  bytesParsed_ += static_cast<std::int64_t>(utf8_.size());
+  return XML_Parse(parser_.get(), utf8_.data(), static_cast<int>(utf8_.size()), size == 0) == XML_STATUS_OK;
+}
+
+XmlParseError XmlReader::Stopped(String reason) {
   XmlParseError result;
   result.reason = std::move(reason);
   result.line = static_cast<std::int64_t>(XML_GetCurrentLineNumber(parser_.get()));
   result.column = static_cast<std::int64_t>(XML_GetCurrentColumnNumber(parser_.get())) + 1;
-  result.byteOffset = XML_GetCurrentByteIndex(parser_.get());
+  // The parser counts a byte order mark as a character.
+  if (decoder_.HasMark() && result.line == 1 && result.column > 1) --result.column;
+  result.byteOffset = SourceOffset(XML_GetCurrentByteIndex(parser_.get()));
   return result;
+}
+
+// The place in the file of a place in its UTF-8. A file that is not UTF-8 is converted once more up to there, so
+// that only those that are refused pay for it.
+std::int64_t XmlReader::SourceOffset(std::int64_t parsed) {
+  if (decoder_.IsUtf8()) return parsed;
+  std::int64_t offset = 0;
+  while (parsed > 0) {
+    source_.resize(static_cast<std::size_t>(kChunk));
+    source_.resize(file_.ReadAt(offset, source_.data(), source_.size()));
+    utf8_.clear();
+    const std::size_t used =
+        decoder_.Convert(source_, source_.size() < kChunk, utf8_, static_cast<std::size_t>(parsed));
+    if (used == 0) break;
+    offset += static_cast<std::int64_t>(used);
+    parsed -= static_cast<std::int64_t>(utf8_.size());
+  }
+  return offset;
 }
 
 void XmlReader::BeginElement(std::string_view name, const char** attributes) {
   FlushText();
   const auto text = static_cast<std::uint32_t>(tree_.text.size());
-  Append({tree_.Intern(name), 0, 0, static_cast<std::uint32_t>(tree_.attributes.size()), text, text});
+  const std::uint32_t number = tree_.Intern(name);
+  if (declaredFor_ != nullptr) PassDeclared(number);
+  Append({number, 0, 0, static_cast<std::uint32_t>(tree_.attributes.size()), text, text});
   open_.push_back({static_cast<std::uint32_t>(tree_.nodes.size() - 1), 0});
   const char** const defaults = attributes + XML_GetSpecifiedAttributeCount(parser_.get());
   for (; *attributes != nullptr; attributes += 2) {
@@ -252,13 +259,52 @@ void XmlReader::AllowDefault(std::string_view name, std::string_view value) {
   if (defaultBytes_ > std::max(kAlwaysAllowed, kMaximumAmplification * bytesRead_)) throw kTooMuchDefaulted;
 }
 
+void XmlReader::BeginDocument(std::string_view version) {
+  if (version.size() < 3 || !version.starts_with("1.") ||
+      version.find_first_not_of("0123456789", 2) != version.npos) {
+    throw kUnknownVersion;
+  }
+}
+
 void XmlReader::Declare() {
   if (++declared_ > kMostDeclared) throw kTooManyDeclared;
 }
 
+void XmlReader::DeclareAttribute(std::string_view element) {
+  Declare();
+  if (declaredFor_ == nullptr) declaredFor_ = std::make_unique<std::vector<std::uint32_t>>();
+  const std::uint32_t number = tree_.Intern(element);
+  if (number >= declaredFor_->size()) declaredFor_->resize(number + 1);
+  ++(*declaredFor_)[number];
+}
+
+void XmlReader::PassDeclared(std::uint32_t name) {
+  if (name >= declaredFor_->size()) return;
+  attributesPassed_ += (*declaredFor_)[name];
+  if (attributesPassed_ > kMostAttributesPassed) throw kTooManyPassed;
+}
+
 void XmlReader::DeclareEntity(std::string_view value) {
   Declare();
-  if (value.find('&') != value.npos && ++nested_ > kMostNested) throw kTooManyNested;
+  if (value.find_first_of("&%") != value.npos && ++nested_ > kMostNested) throw kTooManyNested;
+}
+
+// In the place of what stands outside the document there is nothing. The parser has to be given that nothing: left
+// alone with a parameter entity, it would no longer take what is declared after it.
+int XmlReader::OpenExternal(XML_ParserStruct* parser, bool isParameter) {
+  if (!isParameter) return XML_STATUS_OK;
+  hasExternal_ = true;
+  const std::unique_ptr<XML_ParserStruct, FreeParser> empty(
+      XML_ExternalEntityParserCreate(parser, nullptr, nullptr));
+  if (empty == nullptr) throw std::bad_alloc();
+  return XML_Parse(empty.get(), "", 0, XML_TRUE);
+}
+
+// An entity that nobody has declared. What stands outside the document may have declared it, which then
+// contributes nothing either; but without a parameter entity the parser would no longer take what is declared
+// after it.
+void XmlReader::SkipEntity(bool isParameter) {
+  if (isParameter || !hasExternal_) throw kUndefinedEntity;
 }
 
 void XmlReader::EndElement() {
