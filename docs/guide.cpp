@@ -403,7 +403,7 @@ void Numbers(const std::string& path) {
     }
     ++rows;
   }
-  Expect(rows == 25);
+  Expect(rows == 26);
 }
 
 }  // namespace

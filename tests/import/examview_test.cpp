@@ -385,9 +385,9 @@ TEST_F(ExamView, QuestionsWithinNotesDoNotMultiplyTheirText) {
   for (int i = 0; i < 100; ++i) {
     body = "<question question-id='" + std::to_string(i) + "'><info><notes>" + body + "</notes></info></question>";
   }
-  EXPECT_TRUE(Load(body));
+  EXPECT_FALSE(Load(body));
   EXPECT_EQ(test->Questions()->Count(), 83);
-  EXPECT_EQ(TakeFailures().substr(0, 31), "7 clsTORVATest.AddXMLQuestion, ");
+  EXPECT_EQ(TakeFailures(), "14 clsTORVATest.AddXMLQuestion");
   EXPECT_TRUE(Load(body + "<filler>" + std::string(900'000, 'x') + "</filler>"));
   EXPECT_EQ(test->Questions()->Count(), 100);
 }

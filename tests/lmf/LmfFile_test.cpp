@@ -4,12 +4,14 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <cmath>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <limits>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "tests/LmfText.h"
@@ -312,6 +314,30 @@ TEST(LmfFile, ForeignAndInconsistentFilesAreRefused) {
   EXPECT_FALSE(lmf.Open(u""));
   ASSERT_EQ(mkfifo(folder.File("pipe").c_str(), 0600), 0);
   EXPECT_FALSE(lmf.Open(FromUtf8(folder.File("pipe"))));
+  // Nobody reads that to its end.
+  Write(folder.File("large"), "");
+  ASSERT_EQ(truncate(folder.File("large").c_str(), 20LL << 30), 0);
+  EXPECT_FALSE(lmf.Open(FromUtf8(folder.File("large"))));
+}
+
+TEST(LmfFile, AFileOpensAsOneOfThoseThatTakeItsPlace) {
+  const TempFile file;
+  const auto save = [&](char16_t letter) {
+    clsLmf lmf;
+    lmf.Notes(String(10'000, letter));
+    EXPECT_TRUE(lmf.Save(file.Path()));
+  };
+  save(u'a');
+  std::atomic<bool> saving = true;
+  std::thread saver([&] {
+    for (int i = 0; i < 200; ++i) save(i % 2 == 0 ? u'b' : u'a');
+    saving = false;
+  });
+  for (clsLmf lmf; saving;) {
+    EXPECT_TRUE(lmf.Open(file.Path()));
+    EXPECT_TRUE(lmf.Notes() == String(10'000, u'a') || lmf.Notes() == String(10'000, u'b'));
+  }
+  saver.join();
 }
 
 TEST(LmfFile, AFailedSaveLeavesTheOldFile) {

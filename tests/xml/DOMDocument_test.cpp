@@ -171,7 +171,7 @@ TEST(DOMDocument, RefusesWithReasonAndPlace) {
     EXPECT_FALSE(document.selectSingleNode(u"a"));
   }
   DOMDocument document;
-  for (const String& path : {String(u"/no/such/file"), String(u""), String(u"/dev/null\0x", 11)}) {
+  for (const String& path : {String(u"/no/such/file"), String(u"/"), String(u""), String(u"/dev/null\0x", 11)}) {
     EXPECT_FALSE(document.load(path));
     EXPECT_EQ(document.parseError().line, 0) << ToUtf8(path);
   }
@@ -210,7 +210,7 @@ TEST(DOMDocument, OnlyARegularFileIsRead) {
   ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
   DOMDocument document;
   // The pipe would keep its reader for ever.
-  for (const String& other : {name.Path(), String(u"/"), String(u"/dev/null")}) {
+  for (const String& other : {name.Path(), String(u"/dev/null")}) {
     EXPECT_FALSE(document.load(other));
     EXPECT_EQ(document.parseError().reason, u"not a file that can be read") << ToUtf8(other);
   }

@@ -18,6 +18,7 @@ constexpr NumberedText kTexts[] = {
     {kOutOfMemory, u"Out of memory"},
     {kSubscriptOutOfRange, u"Subscript out of range"},
     {kTypeMismatch, u"Type mismatch"},
+    {kTooMuchText, u"The questions of the document take far more text than it holds"},
     {kInternalError, u"Internal error"},
     {kNothing, u"Object reference not set"},
     {kNoSuchMethod, u"Object does not support this method"},

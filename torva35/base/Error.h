@@ -17,6 +17,7 @@ enum ErrorNumber : Long {
   kOutOfMemory = 7,          ///< memory is exhausted
   kSubscriptOutOfRange = 9,  ///< a position that does not exist
   kTypeMismatch = 13,        ///< a value of a kind that cannot be used here
+  kTooMuchText = 14,         ///< the questions of a document repeat its text beyond the limit
   kInternalError = 51,       ///< a host's object threw something else; the description is its `what()`
   kNothing = 91,             ///< a reference that holds nothing was used
   kNoSuchMethod = 438,       ///< the error object lacks the method

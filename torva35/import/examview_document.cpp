@@ -64,7 +64,10 @@ bool clsTORVATest::LoadXML(const String& sExamViewXMLFile, bool bOddDistractorsO
       TextAllowance texts(document);
       const IXMLDOMNodeList questions = document.getElementsByTagName(u"question");
       const Long count = questions.get_length();
-      for (Long i = 0; i < count; ++i) AddXMLQuestion(*this, questions.get_item(i), partialCredit, names, texts);
+      for (Long i = 0; i < count; ++i) {
+        AddXMLQuestion(*this, questions.get_item(i), partialCredit, names, texts);
+        if (texts.IsExceeded()) return;  // which has been reported
+      }
 
       IXMLDOMNodeList sequences = document.getElementsByTagName(u"mc-choice-sequence");
       if (sequences.get_length() > 0) {

@@ -127,7 +127,8 @@ class TORVA35_API clsTORVATest : public Object, public std::enable_shared_from_t
   /// bVerbose: whether that warning is shown.
   /// Returns True when the load ran to its end and the test holds a question. A file that is missing or is no
   /// ExamView file gives False without a report. A question that cannot be read, or whose ID is in use, is
-  /// reported and left out.
+  /// reported and left out. One that takes too much text (failure 14) ends the load: False, with the questions
+  /// before it.
   bool LoadXML(const String& sExamViewXMLFile, bool bOddDistractorsOnly, bool& bUserCancelled,
                bool bVerbose = true);
   bool LoadXML(const String& sExamViewXMLFile, bool bOddDistractorsOnly = false);

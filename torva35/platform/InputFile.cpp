@@ -37,7 +37,7 @@ InputFile::InputFile(const String& path) {
   if (file_ < 0 || fstat(file_, &status) != 0) {
     problem_ = errno == ENXIO ? kNotAFile : Words(errno);  // ENXIO: a socket, or a device that is not there
   } else if (!S_ISREG(status.st_mode)) {
-    problem_ = kNotAFile;
+    problem_ = S_ISDIR(status.st_mode) ? Words(EISDIR) : kNotAFile;
   } else {
     size_ = status.st_size;
   }
