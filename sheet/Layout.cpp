@@ -22,8 +22,9 @@ constexpr int kPitch = 56;  // from one bubble to the next
 constexpr int kLeastPitch = 50;
 constexpr int kUprightPitch = 52;
 constexpr int kUprightRow = 50;
-constexpr int kLetter = 17;     // width of a letter of a label beside its bubble
-constexpr int kLabelLine = 34;  // height of a line of it
+constexpr int kLetter = 17;       // width of a letter of a label beside its bubble
+constexpr int kLabelLine = 34;    // height of a line of it
+constexpr int kLeastLabel = 200;  // no narrower, for the sake of one line
 constexpr int kMostLabel = 700;
 constexpr int kMostVersionLines = 10;
 constexpr int kMostSpare = 150;
@@ -80,11 +81,13 @@ void PutAcross(Item& item, const std::vector<std::string>& labels, int number, i
   if (inside) {
     if (count * pitch > room) pitch = std::clamp(room / count, kLeastPitch, kPitch);
   } else {
+    // Labels take two lines or three each, if the whole row then fits into one line.
+    const int share = room / count - kPitch;
     item.labelWidth = std::min({widest + kPad, kMostLabel, room - kPitch});
+    if (share < item.labelWidth && share >= kLeastLabel && widest <= 2 * share) item.labelWidth = share;
     pitch = kPitch + item.labelWidth;
-    height = std::max(
-        kRow, (widest + item.labelWidth - kPad - 1) / std::max(1, item.labelWidth - kPad) * kLabelLine + 10);
-    height = std::min(height, 10 * kRow);
+    const int lines = widest <= item.labelWidth ? 1 : (widest + widest / 8) / item.labelWidth + 1;
+    height = std::clamp(lines * kLabelLine + 10, kRow, 10 * kRow);
   }
   const int across = std::clamp(room / pitch, 1, std::max(1, count));
   const std::vector<std::string> values = ValuesOf(labels);

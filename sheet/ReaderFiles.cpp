@@ -85,7 +85,7 @@ std::string Config() {
               // A mark is at least so much darker than the bubbles beside it. On a page without marks what is
               // lighter than middle grey is none ("black"), however grey the paper is.
               {"threshold_params",
-               {{"MIN_JUMP", 50}, {"MIN_GAP", 50}, {"JUMP_DELTA", 40}, {"PAGE_TYPE_FOR_THRESHOLD", "black"}}},
+               {{"MIN_JUMP", 50}, {"MIN_GAP", 100}, {"JUMP_DELTA", 40}, {"PAGE_TYPE_FOR_THRESHOLD", "black"}}},
               {"outputs", {{"show_image_level", 0}, {"filter_out_multimarked_files", false}}}}
              .dump(2, ' ', false, Json::error_handler_t::replace) +
          '\n';

@@ -24,6 +24,8 @@ p { margin: .3rem 0 0; }
 .wide { overflow-x: auto; }
 table { border-collapse: collapse; width: 100%; }
 .narrow { width: auto; }
+.beside { display: flex; flex-wrap: wrap; align-items: flex-start; gap: 1rem 2rem; }
+.file { white-space: nowrap; }
 .narrow th, .narrow td { min-width: 4.5rem; }
 th, td { padding: .35rem .6rem; border-bottom: 1px solid var(--line); text-align: start; vertical-align: top; }
 thead th { background: var(--head); border-bottom: 2px solid var(--ink); white-space: nowrap; }
@@ -33,8 +35,9 @@ thead th { background: var(--head); border-bottom: 2px solid var(--ink); white-s
 .warning { color: var(--warning); font-weight: 700; }
 .note { color: var(--note); font-weight: 700; }
 .good { color: var(--good); }
-.text { min-width: 14rem; overflow-wrap: anywhere; white-space: pre-line; }
+.text { min-width: 14rem; overflow-wrap: anywhere; }
 .id { overflow-wrap: anywhere; min-width: 4rem; }
+.text p { margin: 0; }
 .lost td { background: #f6f6f7; }
 ol { margin: .25rem 0 0; padding-inline-start: 1.4rem; }
 li.right { font-weight: 700; color: var(--good); }
@@ -47,6 +50,7 @@ small { font-size: .875em; color: var(--soft); }
   .stack tr { display: grid; grid-template-columns: max-content 1fr; gap: .1rem .75rem; padding: .6rem 0;
               border-bottom: 1px solid var(--line); }
   .stack td { display: contents; text-align: start; }
+  .stack td.empty { display: none; }
   .stack td > div { min-width: 0; overflow-wrap: anywhere; text-align: start; white-space: normal; }
   .stack td::before { content: attr(data-head); color: var(--soft); }
   .lost td > div { background: none; }
@@ -60,6 +64,8 @@ small { font-size: .875em; color: var(--soft); }
   table { font-size: 9pt; }
   th, td { padding: .12rem .4rem; }
   tr { break-inside: avoid; }
+  ol { columns: 2; }
+  .text { min-width: 60mm; }
   h2 { break-after: avoid; }
   * { -webkit-print-color-adjust: exact; print-color-adjust: exact; }
 }
@@ -89,8 +95,9 @@ class Table {
     html_ += *cssClass == '\0' ? "<tr>" : std::string("<tr class=\"") + cssClass + "\">";
     for (std::size_t i = 0; i < cells.size(); ++i) {
       const Column& column = columns_[i];
-      html_ += "<td class=\"" + std::string(column.cssClass) + "\" data-head=\"" + column.head + "\"><div" +
-               (column.auto_direction ? " dir=\"auto\">" : ">") + cells[i] + "</div></td>";
+      html_ += "<td class=\"" + std::string(column.cssClass) + (cells[i].empty() ? " empty" : "") +
+               "\" data-head=\"" + column.head + "\"><div" + (column.auto_direction ? " dir=\"auto\">" : ">") +
+               cells[i] + "</div></td>";
     }
     html_ += "</tr>\n";
   }
@@ -148,7 +155,7 @@ class Teacher {
     std::string html = "<section id=\"findings\">\n<h2>" + Escaped(words_.findings) + "</h2>\n";
     if (result_.findings.empty()) return html + "<p>" + Escaped(words_.noFindings) + "</p>\n</section>\n";
     Table table({{words_.severity},
-                 {words_.file, "id", true},
+                 {words_.file, "file", true},
                  {words_.question, "figure"},
                  {"ID", "id", true},
                  {words_.line, "figure"},
@@ -183,33 +190,47 @@ class Teacher {
     return key.empty() ? "<span class=\"none\">" + Escaped(words_.noKey) + "</span>" : key;
   }
 
+  // A section with a line for each row of the sheet: short tables, side by side where there is room.
+  template <class Cells>
+  std::string ByRow(const char* id, const char* title, const std::vector<Table::Column>& columns,
+                    Cells cells) const {
+    constexpr std::size_t kTogether = 25;
+    std::string html =
+        std::string("<section id=\"") + id + "\">\n<h2>" + Escaped(title) + "</h2>\n<div class=\"beside\">\n";
+    for (std::size_t first = 0; first < result_.rows.size(); first += kTogether) {
+      Table table(columns, "narrow");
+      for (std::size_t i = first; i < std::min(first + kTogether, result_.rows.size()); ++i) table.Row(cells(i));
+      html += std::move(table).Html();
+    }
+    return html + "</div>\n</section>\n";
+  }
+
   std::string Keys() const {
     std::vector<Table::Column> columns = {{words_.row, "figure"}};
     for (std::size_t i = 0; i < result_.versions.size(); ++i) columns.push_back({NameOf(i), "key"});
     if (result_.versions.size() == 1) columns.back().head = words_.key;
-    Table table(std::move(columns), "narrow");
-    for (std::size_t i = 0; i < result_.rows.size(); ++i) {
+    return ByRow("keys", words_.keys, columns, [&](std::size_t i) {
       std::vector<std::string> cells = {std::to_string(result_.rows[i].number)};
       for (const Version& version : result_.versions) {
         cells.push_back(i < version.answers.size() ? Key(result_.rows[i], version.answers[i]) : "");
       }
-      table.Row(cells);
-    }
-    return "<section id=\"keys\">\n<h2>" + Escaped(words_.keys) + "</h2>\n" + std::move(table).Html() +
-           "</section>\n";
+      return cells;
+    });
   }
 
   std::string Numbers() const {
-    Table table({{words_.onPaper, "figure"}, {words_.onSheet, "figure"}}, "narrow");
-    for (const Row& row : result_.rows) table.Row({std::to_string(row.paper), std::to_string(row.number)});
-    return "<section id=\"numbers\">\n<h2>" + Escaped(words_.renumbered) + "</h2>\n" + std::move(table).Html() +
-           "</section>\n";
+    return ByRow(
+        "numbers", words_.renumbered, {{words_.onPaper, "figure"}, {words_.onSheet, "figure"}},
+        [&](std::size_t i) {
+          return std::vector{std::to_string(result_.rows[i].paper), std::to_string(result_.rows[i].number)};
+        });
   }
 
   // The key of one version with what its paper asks at each row.
   std::string VersionKey(const Version& version) const {
     const auto index = static_cast<std::size_t>(&version - result_.versions.data());
     Table table({{words_.row, "figure"},
+                 {words_.paper, "figure"},
                  {words_.key, "key"},
                  {words_.pointsHead, "figure"},
                  {"ID", "id", true},
@@ -224,9 +245,9 @@ class Teacher {
       if (answer.noResponsePoints != 0)
         points += " <small>" + Escaped(words_.pointsNone) + " " + Number(answer.noResponsePoints) + "</small>";
       const Question* question = QuestionOf(version, answer);
-      table.Row({std::to_string(result_.rows[i].number), Key(result_.rows[i], answer), points,
-                 question ? Escaped(question->id) : "", question ? Escaped(question->text) : "",
-                 question ? Joined(question->objectives) : ""});
+      table.Row({std::to_string(result_.rows[i].number), NumberOrNothing(answer.paper),
+                 Key(result_.rows[i], answer), points, question ? Escaped(question->id) : "",
+                 question ? Escaped(question->text) : "", question ? Joined(question->objectives) : ""});
     }
     const std::string name =
         result_.versions.size() == 1 && version.name.empty() ? words_.keys : Filled(words_.keyOf, NameOf(index));
@@ -262,14 +283,14 @@ class Teacher {
 
   // The text of a question, its answers with the right ones, and whatever else the file says of it.
   std::string Whole(const Question& question) const {
-    std::string html = Escaped(question.text);
+    std::string html = "<p dir=\"auto\">" + Escaped(question.text) + "</p>";
     if (!question.answers.empty()) {
-      html += "<ol>";
+      html += "<ol dir=\"auto\">";
       for (std::size_t i = 0; i < question.answers.size(); ++i) {
         const bool right = std::find(question.correct.begin(), question.correct.end(), static_cast<int>(i + 1)) !=
                            question.correct.end();
-        html += right ? "<li class=\"right\" dir=\"auto\">" : "<li dir=\"auto\">";
-        html += Escaped(question.answers[i]) +
+        html += right ? "<li class=\"right\"><bdi>" : "<li><bdi>";
+        html += Escaped(question.answers[i]) + "</bdi>" +
                 (right ? " ✓ <small>" + Escaped(words_.correct) + "</small></li>" : "</li>");
       }
       html += "</ol>";
@@ -290,10 +311,10 @@ class Teacher {
     const auto index = static_cast<std::size_t>(&file - result_.files.data());
     Table table({{words_.question, "figure"},
                  {"ID", "id", true},
-                 {words_.kind, "id"},
-                 {words_.fateHead, "id"},
+                 {words_.kind},
+                 {words_.fateHead},
                  {words_.pointsHead, "figure"},
-                 {words_.text, "text", true},
+                 {words_.text, "text"},
                  {words_.objectives, "id", true}},
                 "stack");
     for (const Question& question : file.questions) {

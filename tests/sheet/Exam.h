@@ -62,14 +62,15 @@ struct Exam {
 };
 
 /// A random test: sections of one kind each, as such programs print them, also of kinds that no sheet can grade.
-inline Exam RandomExam(std::mt19937& random) {
+/// Each has fewer than `longest` questions.
+inline Exam RandomExam(std::mt19937& random, int longest = 6) {
   const auto below = [&](int limit) { return static_cast<int>(random() % static_cast<unsigned>(limit)); };
   static constexpr std::pair<const char*, const char*> kLetters[] = {
       {"ABCDEFGH", "ABCDEFGH"}, {"ABCDE", "FGHIJ"}, {"ABCDE", "FGHJK"}, {"ABCDEFGH", "JKLMNPQR"}};
   const auto& letters = kLetters[below(4)];
   Exam exam{"A", letters.first, letters.second, {}};
   for (const char* kind : {"tf", "mtf", "mc", "yn", "ma", "mc", "es"}) {
-    for (int left = below(6); left > 0; --left) {
+    for (int left = below(longest); left > 0; --left) {
       ExamQuestion question{
           kind, std::to_string(exam.questions.size() * 7 % 101 + 1), 0, {}, 0.5 * (1 + below(6))};
       question.id += "x" + std::to_string(exam.questions.size());
