@@ -1,10 +1,16 @@
 #include "Html.h"
 
+#include <algorithm>
+
 #include <torva35/TORVA35.h>
 
 namespace TORVA35::sheet {
 
 std::string Escaped(std::string_view text) {
+  const bool plain = std::all_of(text.begin(), text.end(), [](char unit) {
+    return unit >= ' ' && unit != '&' && unit != '<' && unit != '>' && unit != '"' && unit != '\x7F';
+  });
+  if (plain) return std::string(text);
   String escaped;
   for (const char16_t unit : FromUtf8(text)) {
     if (unit == u'&') {

@@ -83,8 +83,8 @@ std::size_t CharacterCount(const std::string& text);
 
 /// Fixed places on each page.
 ///@{
-constexpr Box kTitleBox{90, 0, 1230, 86};
-constexpr Box kPageBox{1330, 0, 430, 86};
+constexpr Box kTitleBox{90, 0, 1060, 86};
+constexpr Box kPageBox{1170, 0, 590, 86};
 constexpr Box kBlanksBox{50, 92, 1750, 66};
 constexpr Box kHowBox{50, 160, 1750, 40};
 ///@}

@@ -35,8 +35,8 @@ h1.at { height: auto; }
 .how { font-size: calc(28 * var(--u)); white-space: nowrap; overflow: hidden; }
 .label { display: flex; align-items: center; font-size: calc(29 * var(--u)); line-height: 1.15; overflow: hidden;
          overflow-wrap: anywhere; }
-.ask { font-size: calc(29 * var(--u)); line-height: 1.2; overflow: hidden; display: -webkit-box;
-       -webkit-box-orient: vertical; -webkit-line-clamp: 2; }
+.ask.at { font-size: calc(29 * var(--u)); line-height: 1.2; height: auto; max-height: 2.4em; overflow: hidden;
+          display: -webkit-box; -webkit-box-orient: vertical; -webkit-line-clamp: 2; }
 .frame { fill: none; stroke: var(--form); stroke-width: 3; }
 .stripe { fill: var(--soft); }
 .ring { fill: #fff; stroke: var(--form); stroke-width: 2.8; }
@@ -196,12 +196,13 @@ class StudentPages {
     return "<div class=\"block at\"" + Place(box) + ">" + svg + "</svg>" + texts + "</div>\n";
   }
 
-  // A text that may wrap or run from right to left, over a drawing.
+  // A text that may wrap, over a drawing. It begins at its left, where its bubble stands, also if it runs from
+  // right to left.
   static std::string Overlay(Box at, const Box& block, const char* cssClass, const std::string& text) {
     at.x -= block.x;
     at.y -= block.y;
-    return std::string("<span class=\"") + cssClass + " at\" dir=\"auto\"" + Place(at) + ">" + Escaped(text) +
-           "</span>";
+    return std::string("<span class=\"") + cssClass + " at\" dir=\"ltr\"" + Place(at) + "><bdi>" + Escaped(text) +
+           "</bdi></span>";
   }
 
   // The box for the points that the teacher gives.

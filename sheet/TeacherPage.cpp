@@ -52,7 +52,7 @@ small { font-size: .875em; color: var(--soft); }
   .stack td { display: contents; text-align: start; }
   .stack td.empty { display: none; }
   .stack td > div { min-width: 0; overflow-wrap: anywhere; text-align: start; white-space: normal; }
-  .stack td::before { content: attr(data-head); color: var(--soft); }
+  .stack td::before { color: var(--soft); }
   .lost td > div { background: none; }
 }
 @page { margin: 12mm; }
@@ -71,23 +71,32 @@ small { font-size: .875em; color: var(--soft); }
 }
 )";
 
-// A table whose rows become small lists on a narrow screen: each cell then has the heading of its column beside
-// it.
+struct Column {
+  std::string head;
+  const char* cssClass = "";
+  bool autoDirection = false;  // texts of the user may run from right to left
+};
+
+// A table. With a name its rows become small lists on a narrow screen, where each cell has the heading of its
+// column beside it: `Heads` has the rules for that.
 class Table {
  public:
-  struct Column {
-    std::string head;
-    const char* cssClass = "";
-    bool auto_direction = false;  // texts of the user may run from right to left
-  };
-
-  Table(std::vector<Column> columns, const char* cssClass) : columns_(std::move(columns)) {
-    html_ = std::string("<div class=\"wide\"><table class=\"") + cssClass + "\">\n<thead><tr>";
-    for (Column& column : columns_) {
-      column.head = Escaped(column.head);
-      html_ += "<th scope=\"col\" class=\"" + std::string(column.cssClass) + "\">" + column.head + "</th>";
+  Table(const std::vector<Column>& columns, const std::string& cssClass) : columns_(columns) {
+    html_ = "<div class=\"wide\"><table class=\"" + cssClass + "\">\n<thead><tr>";
+    for (const Column& column : columns_) {
+      html_ +=
+          "<th scope=\"col\" class=\"" + std::string(column.cssClass) + "\">" + Escaped(column.head) + "</th>";
     }
     html_ += "</tr></thead>\n<tbody>\n";
+  }
+
+  static std::string Heads(const std::vector<Column>& columns, const std::string& name) {
+    std::string rules;
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+      rules += ".stack." + name + " td:nth-child(" + std::to_string(i + 1) + ")::before { content: \"" +
+               columns[i].head + "\"; }\n";
+    }
+    return rules;
   }
 
   // Cells are HTML already. On a narrow screen an empty one has no place.
@@ -96,8 +105,7 @@ class Table {
     for (std::size_t i = 0; i < cells.size(); ++i) {
       const Column& column = columns_[i];
       html_ += "<td class=\"" + std::string(column.cssClass) + (cells[i].empty() ? " empty" : "") +
-               "\" data-head=\"" + column.head + "\"><div" + (column.auto_direction ? " dir=\"auto\">" : ">") +
-               cells[i] + "</div></td>";
+               (column.autoDirection ? "\"><div dir=\"auto\">" : "\"><div>") + cells[i] + "</div></td>";
     }
     html_ += "</tr>\n";
   }
@@ -105,7 +113,7 @@ class Table {
   std::string Html() && { return std::move(html_) + "</tbody>\n</table></div>\n"; }
 
  private:
-  std::vector<Column> columns_;
+  const std::vector<Column>& columns_;
   std::string html_;
 };
 
@@ -122,7 +130,10 @@ class Teacher {
     for (const Version& version : result_.versions) body += VersionKey(version);
     if (!result_.handGraded.empty()) body += ByHand();
     for (const File& file : result_.files) body += Questions(file);
-    return Document(words_.language, std::string(words_.answers) + " – " + title, kStyle, body + "</main>\n");
+    const std::string style = kStyle + std::string("@media (max-width: 40rem) {\n") +
+                              Table::Heads(findings_, "findings") + Table::Heads(keys_, "keys") +
+                              Table::Heads(byHand_, "byHand") + Table::Heads(questions_, "questions") + "}\n";
+    return Document(words_.language, std::string(words_.answers) + " – " + title, style, body + "</main>\n");
   }
 
  private:
@@ -154,13 +165,7 @@ class Teacher {
   std::string Findings() const {
     std::string html = "<section id=\"findings\">\n<h2>" + Escaped(words_.findings) + "</h2>\n";
     if (result_.findings.empty()) return html + "<p>" + Escaped(words_.noFindings) + "</p>\n</section>\n";
-    Table table({{words_.severity},
-                 {words_.file, "file", true},
-                 {words_.question, "figure"},
-                 {"ID", "id", true},
-                 {words_.line, "figure"},
-                 {words_.finding, "text"}},
-                "stack");
+    Table table(findings_, "stack findings");
     std::vector<const Finding*> findings;
     for (const Finding& finding : result_.findings) findings.push_back(&finding);
     std::stable_sort(findings.begin(), findings.end(),
@@ -192,8 +197,7 @@ class Teacher {
 
   // A section with a line for each row of the sheet: short tables, side by side where there is room.
   template <class Cells>
-  std::string ByRow(const char* id, const char* title, const std::vector<Table::Column>& columns,
-                    Cells cells) const {
+  std::string ByRow(const char* id, const char* title, const std::vector<Column>& columns, Cells cells) const {
     constexpr std::size_t kTogether = 25;
     std::string html =
         std::string("<section id=\"") + id + "\">\n<h2>" + Escaped(title) + "</h2>\n<div class=\"beside\">\n";
@@ -206,7 +210,7 @@ class Teacher {
   }
 
   std::string Keys() const {
-    std::vector<Table::Column> columns = {{words_.row, "figure"}};
+    std::vector<Column> columns = {{words_.row, "figure"}};
     for (std::size_t i = 0; i < result_.versions.size(); ++i) columns.push_back({NameOf(i), "key"});
     if (result_.versions.size() == 1) columns.back().head = words_.key;
     return ByRow("keys", words_.keys, columns, [&](std::size_t i) {
@@ -229,14 +233,7 @@ class Teacher {
   // The key of one version with what its paper asks at each row.
   std::string VersionKey(const Version& version) const {
     const auto index = static_cast<std::size_t>(&version - result_.versions.data());
-    Table table({{words_.row, "figure"},
-                 {words_.paper, "figure"},
-                 {words_.key, "key"},
-                 {words_.pointsHead, "figure"},
-                 {"ID", "id", true},
-                 {words_.text, "text", true},
-                 {words_.objectives, "id", true}},
-                "stack");
+    Table table(keys_, "stack keys");
     for (std::size_t i = 0; i < result_.rows.size() && i < version.answers.size(); ++i) {
       const Answer& answer = version.answers[i];
       std::string points = Number(answer.points);
@@ -272,8 +269,7 @@ class Teacher {
   }
 
   std::string ByHand() const {
-    Table table({{words_.question, "id", true}, {words_.pointsHead, "figure"}, {words_.text, "text", true}},
-                "stack");
+    Table table(byHand_, "stack byHand");
     for (const HandGraded& question : result_.handGraded) {
       table.Row({Escaped(question.name), Number(question.points), Escaped(question.text)});
     }
@@ -309,14 +305,7 @@ class Teacher {
 
   std::string Questions(const File& file) const {
     const auto index = static_cast<std::size_t>(&file - result_.files.data());
-    Table table({{words_.question, "figure"},
-                 {"ID", "id", true},
-                 {words_.kind},
-                 {words_.fateHead},
-                 {words_.pointsHead, "figure"},
-                 {words_.text, "text"},
-                 {words_.objectives, "id", true}},
-                "stack");
+    Table table(questions_, "stack questions");
     for (const Question& question : file.questions) {
       const bool kept = question.fate == Fate::kKept;
       const std::string fate = Escaped(words_.fates[static_cast<std::size_t>(question.fate)]);
@@ -332,6 +321,22 @@ class Teacher {
 
   const Result& result_;
   const Words& words_;
+  const std::vector<Column> findings_ = {{words_.severity},           {words_.file, "file", true},
+                                         {words_.question, "figure"}, {"ID", "id", true},
+                                         {words_.line, "figure"},     {words_.finding, "text"}};
+  const std::vector<Column> keys_ = {
+      {words_.row, "figure"},         {words_.paper, "figure"}, {words_.key, "key"},
+      {words_.pointsHead, "figure"},  {"ID", "id", true},       {words_.text, "text", true},
+      {words_.objectives, "id", true}};
+  const std::vector<Column> byHand_ = {
+      {words_.question, "id", true}, {words_.pointsHead, "figure"}, {words_.text, "text", true}};
+  const std::vector<Column> questions_ = {{words_.question, "figure"},
+                                          {"ID", "id", true},
+                                          {words_.kind},
+                                          {words_.fateHead},
+                                          {words_.pointsHead, "figure"},
+                                          {words_.text, "text"},
+                                          {words_.objectives, "id", true}};
 };
 
 }  // namespace
