@@ -120,6 +120,8 @@ class CommandLine {
              "Digits of a grid for the student number (default: none)");
     AddCount("--name-letters", options_.page.nameLetters, 26, group,
              "Letters of a grid for the name (default: none)");
+    Add("--mark-version", options_.markVersion, "NAME", group,
+        "Print the sheet of this version, with its bubble filled in (default: students fill it in)");
     Add("--language", options_.page.language, "LANGUAGE", group,
         "Words on the pages: en, de, fr, es (default: en)")
         ->check(CLI::IsMember({"en", "de", "fr", "es"}).description(""));

@@ -23,8 +23,9 @@ struct Options {
   std::vector<std::string> files;
   TORVA35::sheet::Options sheet;
   TORVA35::sheet::PageOptions page;
-  std::string html;     ///< the student's sheet
-  std::string answers;  ///< the teacher's page
+  std::string markVersion;  ///< name of the version that the student's sheet has as marked
+  std::string html;         ///< the student's sheet
+  std::string answers;      ///< the teacher's page
   std::string csv;
   std::string json;
   std::string save;    ///< the LMF file

@@ -119,6 +119,19 @@ class Run {
     return sheet::MakeSheet(inputs, options);
   }
 
+  sheet::PageOptions StudentOptions(const sheet::Result& result) const {
+    sheet::PageOptions page = options_.page;
+    if (options_.markVersion.empty()) return page;
+    const auto version =
+        std::find_if(result.versions.begin(), result.versions.end(),
+                     [&](const sheet::Version& each) { return each.name == options_.markVersion; });
+    if (version == result.versions.end()) {
+      throw Outputs::Trouble{"--mark-version: no version has the name \"" + options_.markVersion + '"'};
+    }
+    page.version = static_cast<int>(version - result.versions.begin()) + 1;
+    return page;
+  }
+
   // What grades is not written when it would grade wrong; what tells of it is.
   void Write(const sheet::Result& result, bool withErrors) {
     const bool done = result.status == sheet::Status::kDone;
@@ -136,7 +149,7 @@ class Run {
         withheld += (withheld.empty() ? "" : ", ") + path;
       }
     };
-    add(options_.html, grades, [&] { return sheet::StudentPage(result, options_.page); });
+    add(options_.html, grades, [&] { return sheet::StudentPage(result, StudentOptions(result)); });
     add(options_.answers, done, [&] { return sheet::TeacherPage(result, options_.page); });
     add(options_.csv, grades, [&] { return sheet::Csv(result); });
     // Without a sheet there is no file, but a program that reads the output still learns why.

@@ -197,10 +197,15 @@ TEST_P(Sheets, DrawWhatAReaderLooksAt) {
 TEST_P(Sheets, KeepBubblesApartAndWithinTheirPlace) {
   const auto& [name, result, options] = GetParam();
   std::size_t bubbles = 0;
+  std::map<BlockKind, int> heads;  // what tells whose page it is stands at the same place on each
   for (const SheetPage& page : LayOut(result, options)) {
     std::vector<Bubble> all;
     for (std::size_t b = 0; b < page.blocks.size(); ++b) {
       const Box& box = page.blocks[b].box;
+      if (page.blocks[b].kind <= BlockKind::kStudent) {
+        EXPECT_EQ(heads.try_emplace(page.blocks[b].kind, box.x + kSheetWidth * box.y).first->second,
+                  box.x + kSheetWidth * box.y);
+      }
       EXPECT_GE(box.x, 50);
       EXPECT_LE(box.x + box.width, kSheetWidth - 50);
       EXPECT_LE(box.y + box.height, kSheetHeight - kMark) << "touches the corner marks";

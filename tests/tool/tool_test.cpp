@@ -197,6 +197,16 @@ TEST_F(Tool, WritesAllThatIsAskedFor) {
   EXPECT_THAT(piped.output, HasSubstr("\r\nA,7,7,70,mc,A B C D,B D,2,\r\n"));
 }
 
+TEST_F(Tool, PrintsTheSheetOfOneVersion) {
+  const std::string sheet = "-q --html '" + Path("s.html") + "' --mark-version ";
+  const Outcome wrong = RunProgram(sheet + "D " + kVersions);
+  EXPECT_EQ(wrong.exitCode, 1);
+  EXPECT_THAT(wrong.output, HasSubstr("no version has the name \"D\""));
+  EXPECT_THAT(Names(), testing::IsEmpty());
+  ASSERT_EQ(RunProgram(sheet + "B " + kVersions).exitCode, 0);
+  EXPECT_THAT(Read("s.html"), HasSubstr("Version <bdi>B</bdi>"));
+}
+
 TEST_F(Tool, WritesNothingThatWouldGradeWrong) {
   const std::string wrong = Write("wrong.xml", kWrongKey);
   const std::string outputs =
