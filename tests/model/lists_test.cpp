@@ -278,41 +278,43 @@ TEST_F(Questions, TypeCount) {
   EXPECT_EQ(list->TypeCount(2), 0);
 }
 
-// Positions are kept, and IDs change without the list's doing.
+// IDs change without the list's doing, and in one that other lists hold, too.
 TEST_F(Questions, PositionOfIDFollowsEveryChange) {
+  auto other = Inside::New<clsTORVATestQuestions>();
   const auto PositionsIn = [](const clsTORVATestQuestions& questions) {
     std::vector<Long> positions;
-    for (const char16_t* id : {u"a", u"b", u"c"}) {
-      positions.push_back(Inside::PositionOfID(questions, *Question(id)));
-    }
+    for (Long i = 1; i <= questions.Count(); ++i) positions.push_back(Inside::PositionOfID(questions, i));
     return positions;
   };
-  auto other = Inside::New<clsTORVATestQuestions>();
   const auto Expect = [&](const std::vector<Long>& here, const std::vector<Long>& there) {
     EXPECT_EQ(PositionsIn(*list), here);
-    EXPECT_EQ(other == nullptr ? std::vector<Long>() : PositionsIn(*other), there);
+    EXPECT_EQ(PositionsIn(*other), there);
   };
   const auto changed = Question(u"a");
-  list->Add(Question(u"b"));
-  Expect({0, 1, 0}, {0, 0, 0});
-  list->Add(changed, 1);
-  other->Add(changed);
-  Expect({1, 2, 0}, {1, 0, 0});
-  changed->ID(u"b");
-  Expect({0, 1, 0}, {0, 1, 0});
+  for (const auto& question : {Question(u"b"), changed, Question(u"c")}) list->Add(question);
+  for (const auto& question : {changed, Question(u"C")}) other->Add(question);
+  Expect({1, 2, 3}, {1, 2});
+  EXPECT_EQ(Inside::PositionOfID(*list, u"C"), 3);
+  changed->ID(u"C");
+  Expect({1, 2, 3}, {1, 1});
   changed->ID(u"c");
-  EXPECT_TRUE(other->Add(changed));  // twice: the first one counts
-  Expect({0, 2, 1}, {0, 0, 1});
-  other->Remove(u"a");
-  changed->ID(u"a");
-  Expect({1, 2, 0}, {1, 0, 0});
-  other.reset();
-  changed->ID(u"c");
-  Expect({0, 2, 1}, {});
+  Expect({1, 2, 2}, {1, 2});
+  EXPECT_EQ(Inside::PositionOfID(*list, u"c"), 2);
+  EXPECT_EQ(Inside::PositionOfID(*list, u"none") + Inside::PositionOfID(*list, 4), 0);
+  changed->ID(u"x");
+  EXPECT_TRUE(other->Add(changed));  // twice in one list
+  Expect({1, 2, 3}, {1, 2, 1});
   list->Remove(1);
-  changed->ID(u"b");
-  list->Add(Question(u"a"));
-  Expect({2, 1, 0}, {});
+  other->Remove(u"a");
+  Expect({1, 2}, {1, 2});
+  changed->ID(u"C");
+  Expect({1, 2}, {1, 1});
+  list->Add(Question(u"z"), 1);
+  changed->ID(u"z");
+  Expect({1, 1, 3}, {1, 2});
+  other = Inside::New<clsTORVATestQuestions>();
+  changed->ID(u"c");
+  Expect({1, 2, 2}, {});
 }
 
 Ref<clsTORVATestQuestions> QuestionsOf(StringView ids) {

@@ -205,6 +205,12 @@ const TaggedValue* Collection::Find(const TaggedValue& Index) const {
   return place ? &items_->At(*place) : nullptr;
 }
 
+Long Collection::PositionOf(const TaggedValue& Index) const {
+  if (items_ == nullptr || !IsIndex(Index)) return 0;
+  const auto place = items_->Find(Index);
+  return place ? static_cast<Long>(*place) + 1 : 0;
+}
+
 const TaggedValue* Collection::FindKey(StringView key) const {
   if (items_ == nullptr) return nullptr;
   const Keyed* keyed = items_->FindKey(key);

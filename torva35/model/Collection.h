@@ -45,6 +45,8 @@ class TORVA35_API Collection {
   const TaggedValue* Find(const TaggedValue& Index) const;
   /// Likewise, for a key that need not be a String of its own.
   const TaggedValue* FindKey(StringView key) const;
+  /// The position of the item, from 1, or 0 where `Item` would raise.
+  Long PositionOf(const TaggedValue& Index) const;
 
   /// The same items in the same order, without keys.
   Collection CopyUnkeyed() const;

@@ -29,10 +29,10 @@ class Inside {
     return strings.Find(Index);
   }
 
-  /// Position of the first question that has exactly the ID that this one has, or 0. It need not be filed under
-  /// it.
-  static Long PositionOfID(const clsTORVATestQuestions& questions, const clsTORVATestQuestion& question) {
-    return questions.PositionOfID(question.id_);
+  /// Position of the first question that now has exactly the ID of the one at the index, or 0 when there is none
+  /// there.
+  static Long PositionOfID(const clsTORVATestQuestions& questions, const TaggedValue& Index) {
+    return questions.PositionOfID(Index);
   }
 
   /// Whether a `Copy` has just these texts. May say no although it has.

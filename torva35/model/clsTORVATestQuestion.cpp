@@ -27,8 +27,8 @@ bool clsTORVATestQuestion::MultiplesPermitted(CallSite at) const {
 
 void clsTORVATestQuestion::ID(String sValue) {
   id_ = Cut(std::move(sValue), kIDLimit);
-  if (holder_ != nullptr) holder_->ForgetPositions();
-  for (clsTORVATestQuestions* list : otherHolders_) list->ForgetPositions();
+  if (holder_ != nullptr) holder_->IDChanged();
+  for (clsTORVATestQuestions* list : otherHolders_) list->IDChanged();
 }
 
 void clsTORVATestQuestion::MakeRoomForHolder() {

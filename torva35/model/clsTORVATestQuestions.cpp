@@ -34,13 +34,8 @@ bool clsTORVATestQuestions::Add(const Ref<clsTORVATestQuestion>& oQuestion, cons
     question.MakeRoomForHolder();
     items_.Add(oQuestion, question.ID(), Before, After);
     question.AddHolder(*this);
-    const bool stillMade =
-        positionsMade_ && Before.IsMissing() && After.IsMissing();  // at the end it moves no other
-    ForgetPositions();
+    positionsMade_ = false;
     result = true;
-    if (!stillMade) return;
-    positions_.emplace(question.id_, items_.Count());
-    positionsMade_ = true;
   });
 }
 
@@ -53,7 +48,7 @@ bool clsTORVATestQuestions::Remove(const TaggedValue& Index) {
     const Ref<clsTORVATestQuestion> question = Find(Index);
     items_.Remove(Index);
     question->RemoveHolder(*this);
-    ForgetPositions();
+    positionsMade_ = false;
     result = true;
   });
 }
@@ -91,15 +86,17 @@ Ref<clsTORVATestQuestion> clsTORVATestQuestions::Find(const TaggedValue& Index) 
   return std::static_pointer_cast<clsTORVATestQuestion>(*item->As<Ref<Object>>());
 }
 
-Long clsTORVATestQuestions::PositionOfID(StringView id) const {
+Long clsTORVATestQuestions::PositionOfID(const TaggedValue& Index) const {
+  if (idsAreKeys_) return items_.PositionOf(Index);  // no two keys are equal
+  const Ref<clsTORVATestQuestion> question = Find(Index);
+  if (question == nullptr) return 0;
   if (!positionsMade_) {
     positions_.clear();
     const Long count = items_.Count();
     for (Long i = 1; i <= count; ++i) positions_.emplace(Need(Find(i)).id_, i);
     positionsMade_ = true;
   }
-  const auto found = positions_.find(id);
-  return found == positions_.end() ? 0 : found->second;
+  return positions_.at(question->id_);
 }
 
 }  // namespace TORVA35

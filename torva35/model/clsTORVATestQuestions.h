@@ -51,11 +51,15 @@ class TORVA35_API clsTORVATestQuestions : public Object {
   clsTORVATestQuestions();
 
   Ref<clsTORVATestQuestion> Find(const TaggedValue& Index) const;
-  Long PositionOfID(StringView id) const;
-  void ForgetPositions() { positionsMade_ = false; }
+  Long PositionOfID(const TaggedValue& Index) const;
+  void IDChanged() {
+    idsAreKeys_ = false;
+    positionsMade_ = false;
+  }
 
   Collection items_;
-  // From the ID that a question has now to the first position that has it, made when it is asked for.
+  bool idsAreKeys_ = true;  // every question has the ID under which it is filed
+  // Else from the ID that a question has now to the first position that has it, made when it is asked for.
   mutable std::unordered_map<StringView, Long> positions_;
   mutable bool positionsMade_ = false;
 };

@@ -82,7 +82,7 @@ Ref<clsTORVATestStrings> clsTORVATest::QuestionScale(const TaggedValue& vQuestio
     const Ref<clsTORVATestQuestion> held = Inside::Find(Need(questions_), vQuestionIndex);
     const clsTORVATestQuestion& question = Need(held);
     const Labelling labels = LabellingOf(*this, question, [&]() -> Long {
-      if (vIsOddOverride.IsMissing()) return Inside::PositionOfID(Need(questions_), question);
+      if (vIsOddOverride.IsMissing()) return Inside::PositionOfID(Need(questions_), vQuestionIndex);
       return BooleanOf(basPublic::CString(vIsOddOverride)) ? 1 : 2;
     });
     if (labels.extent == Labelling::kUnknown) return;
@@ -107,7 +107,7 @@ bool ScaleTexts::ReadItself(const clsTORVATest& test, const TaggedValue& vQuesti
       questions == nullptr ? nullptr : Inside::Find(*questions, vQuestionIndex);
   if (question == nullptr) return false;
   const Labelling labels =
-      LabellingOf(test, *question, [&] { return Inside::PositionOfID(*questions, *question); });
+      LabellingOf(test, *question, [&] { return Inside::PositionOfID(*questions, vQuestionIndex); });
   scale_ = labels.scale;
   if (scale_ == nullptr || !Inside::CopiesAsItIs(*scale_)) return false;
   const bool fitted = labels.extent == Labelling::kOneForEachAnswer;
