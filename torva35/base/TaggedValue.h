@@ -29,6 +29,16 @@ class TaggedValue {
  public:
   /// Empty.
   TaggedValue() = default;
+  /// A copy or what another value held, as usual.
+  ///@{
+  // By assignment: where memory runs out in the variant's copy constructor, g++ 12's library destroys what was not
+  // made.
+  TaggedValue(const TaggedValue& other) { value_ = other.value_; }
+  TaggedValue(TaggedValue&&) = default;
+  TaggedValue& operator=(const TaggedValue&) = default;
+  TaggedValue& operator=(TaggedValue&&) = default;
+  ~TaggedValue() = default;
+  ///@}
   /// The value under its own type; a text in any form is a String, and a null pointer a reference that holds
   /// nothing. A single character is no value: write it as a text.
   ///@{

@@ -106,8 +106,8 @@ struct Collection::Items {
   // Into an empty list, which is full then.
   void CopyItems(const Items& from) {
     const std::size_t count = from.Count();
-    slots_.resize(count);
-    for (std::size_t place = 0; place < count; ++place) slots_[place].item = from.At(place);
+    slots_.reserve(count);
+    for (std::size_t place = 0; place < count; ++place) slots_.emplace_back().item = from.At(place);
     gapBegin_ = gapEnd_ = count;
   }
 

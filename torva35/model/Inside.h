@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <utility>
 
 #include "torva35/base/Object.h"
 #include "torva35/base/TaggedValue.h"
@@ -20,6 +21,12 @@ class Inside {
     return std::make_shared<Made>();
   }
 
+  /// As `Count`, without a boundary of its own.
+  template <class List>
+  static Long Count(const List& list) {
+    return list.items_.Count();
+  }
+
   /// As `Item`, without a boundary of its own.
   static Ref<clsTORVATestQuestion> Find(const clsTORVATestQuestions& questions, const TaggedValue& Index) {
     return questions.Find(Index);
@@ -35,6 +42,12 @@ class Inside {
     return questions.PositionOfID(Index);
   }
 
+  /// Adds the texts of a list as `Copy` of it does.
+  static void AddCopies(clsTORVATestStrings& to, const clsTORVATestStrings& from) { to.AddCopies(from); }
+  /// As `Copy` of the second set, with an empty one to put the numbers in.
+  static Ref<clsTORVATestCorrect> CopyTo(Ref<clsTORVATestCorrect> empty, const clsTORVATestCorrect& from) {
+    return from.CopyTo(std::move(empty));
+  }
   /// Whether a `Copy` has just these texts. May say no although it has.
   static bool CopiesAsItIs(const clsTORVATestStrings& strings) { return strings.CopiesAsItIs(); }
 };

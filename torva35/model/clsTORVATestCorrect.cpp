@@ -34,7 +34,7 @@ bool clsTORVATestCorrect::Add(AnyWhole Item, const TaggedValue& Before, const Ta
   return Reported(kAdd, false, [&](bool& result) {
     const auto number = Narrow<Integer>(Item.Value());
     const String key = Decimal(number);
-    if (Exists(key)) return;
+    if (items_.FindKey(key) != nullptr) return;
     items_.Add(number, key, Before, After);
     result = true;
   });
@@ -42,7 +42,7 @@ bool clsTORVATestCorrect::Add(AnyWhole Item, const TaggedValue& Before, const Ta
 
 bool clsTORVATestCorrect::Remove(const TaggedValue& Index) {
   return Reported(kRemove, false, [&](bool& result) {
-    if (!Exists(Index)) return;
+    if (items_.Find(Index) == nullptr) return;
     items_.Remove(Index);
     result = true;
   });
@@ -57,23 +57,24 @@ bool clsTORVATestCorrect::RemoveAll() {
 
 Integer clsTORVATestCorrect::Item(AnyWhole Index) const {
   return Reported(kItem, Integer{0}, [&](Integer& result) {
-    const Long position = Narrow<Integer>(Index.Value());
-    result = Exists(position) ? At(position) : Integer{-1};
+    const TaggedValue* item = items_.Find(Long{Narrow<Integer>(Index.Value())});
+    result = item == nullptr ? Integer{-1} : *item->As<Integer>();
   });
 }
 
 bool clsTORVATestCorrect::Exists(const TaggedValue& Index) const {
-  return Silently(false, [&](bool& result) {
-    const TaggedValue* item = items_.Find(Index);
-    result = item != nullptr && item->IsNumber();
-  });
+  return Silently(false, [&](bool& result) { result = items_.Find(Index) != nullptr; });
 }
 
 Ref<clsTORVATestCorrect> clsTORVATestCorrect::Copy() const {
+  return CopyTo(nullptr);
+}
+
+Ref<clsTORVATestCorrect> clsTORVATestCorrect::CopyTo(Ref<clsTORVATestCorrect> copy) const {
   return Reported(kCopy, Ref<clsTORVATestCorrect>(), [&](Ref<clsTORVATestCorrect>& result) {
-    auto copy = New<clsTORVATestCorrect>();
+    if (copy == nullptr) copy = New<clsTORVATestCorrect>();
     const Integer count = Narrow<Integer>(items_.Count());
-    for (Long i = 1; i <= count; ++i) copy->Add(At(i));
+    for (Long i = 1; i <= count; ++i) copy->items_.Add(At(i), Decimal(At(i)));
     result = std::move(copy);
   });
 }

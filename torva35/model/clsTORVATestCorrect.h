@@ -53,6 +53,10 @@ class TORVA35_API clsTORVATestCorrect : public Object {
   void ConvertBitWiseRepresentation(Long BitWiseValue);
 
  private:
+  friend class Inside;
+
+  // copy: an empty set for the numbers, or nothing for a new one.
+  Ref<clsTORVATestCorrect> CopyTo(Ref<clsTORVATestCorrect> copy) const;
   Integer At(Long position) const;
 
   Collection items_;

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "torva35/errors/Reported.h"
-#include "torva35/model/clsTORVATestQuestions.h"
+#include "torva35/model/Inside.h"
 
 namespace TORVA35 {
 namespace {
@@ -15,9 +15,16 @@ constexpr Location kCopy(u"TORVA35 - clsTORVATestQuestion.Copy");
 
 clsTORVATestQuestion::clsTORVATestQuestion() {
   ReportedConstruction(kInitialize, [&] {
-    learningObjectives_ = New<clsTORVATestStrings>();
-    answers_ = New<clsTORVATestStrings>();
-    correctAnswers_ = New<clsTORVATestCorrect>();
+    // A test has thousands of questions: one allocation for all three.
+    struct Lists {
+      clsTORVATestStrings learningObjectives;
+      clsTORVATestStrings answers;
+      clsTORVATestCorrect correctAnswers;
+    };
+    const auto lists = std::make_shared<Lists>();
+    learningObjectives_ = Ref<clsTORVATestStrings>(lists, &lists->learningObjectives);
+    answers_ = Ref<clsTORVATestStrings>(lists, &lists->answers);
+    correctAnswers_ = Ref<clsTORVATestCorrect>(lists, &lists->correctAnswers);
   });
 }
 
@@ -54,23 +61,23 @@ void clsTORVATestQuestion::RemoveHolder(const clsTORVATestQuestions& list) noexc
 Ref<clsTORVATestQuestion> clsTORVATestQuestion::Copy() const {
   return Reported(kCopy, Ref<clsTORVATestQuestion>(), [&](Ref<clsTORVATestQuestion>& result) {
     auto copy = New<clsTORVATestQuestion>();
-    Need(copy->answers_).AddDelimitedString(Need(answers_).AsString(u"\t"), u"\t");
-    Need(copy->learningObjectives_).AddDelimitedString(Need(learningObjectives_).AsString(u"\t"), u"\t");
-    copy->QuestionText(QuestionText());
-    copy->Difficulty(Difficulty());
-    copy->Reference(Reference());
-    copy->Topic(Topic());
-    copy->Keywords(Keywords());
-    copy->Miscellaneous(Miscellaneous());
-    copy->Notes(Notes());
-    copy->ID(ID());
-    copy->QuestionType(QuestionType());
-    copy->CorrectPoints(CorrectPoints());
-    copy->IncorrectPoints(IncorrectPoints());
-    copy->NoResponsePoints(NoResponsePoints());
-    copy->SubjectivePoints(SubjectivePoints());
-    copy->CorrectAnd(CorrectAnd());
-    copy->CorrectAnswers(Need(correctAnswers_).Copy());
+    Inside::AddCopies(Need(copy->answers_), Need(answers_));
+    Inside::AddCopies(Need(copy->learningObjectives_), Need(learningObjectives_));
+    copy->questionText_ = questionText_;
+    copy->difficulty_ = difficulty_;
+    copy->reference_ = reference_;
+    copy->topic_ = topic_;
+    copy->keywords_ = keywords_;
+    copy->miscellaneous_ = miscellaneous_;
+    copy->notes_ = notes_;
+    copy->id_ = id_;
+    copy->questionType_ = questionType_;
+    copy->correctPoints_ = correctPoints_;
+    copy->incorrectPoints_ = incorrectPoints_;
+    copy->noResponsePoints_ = noResponsePoints_;
+    copy->subjectivePoints_ = subjectivePoints_;
+    copy->correctAnd_ = correctAnd_;
+    copy->correctAnswers_ = Inside::CopyTo(copy->correctAnswers_, Need(correctAnswers_));
     result = std::move(copy);
   });
 }

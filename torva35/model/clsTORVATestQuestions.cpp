@@ -41,7 +41,7 @@ bool clsTORVATestQuestions::Add(const Ref<clsTORVATestQuestion>& oQuestion, cons
 
 bool clsTORVATestQuestions::Remove(const TaggedValue& Index) {
   return Reported(kRemove, false, [&](bool& result) {
-    if (!Exists(Index)) return;
+    if (items_.Find(Index) == nullptr) return;
     Need(Need(Find(Index)).LearningObjectives()).RemoveAll();
     Need(Need(Find(Index)).Answers()).RemoveAll();
     // What was emptied may have reported, and a host then changed the list.

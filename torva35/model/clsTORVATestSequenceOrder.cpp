@@ -35,7 +35,7 @@ void clsTORVATestSequenceOrder::Add(const String& sQuestionID) {
 
 void clsTORVATestSequenceOrder::Remove(const TaggedValue& vKey) {
   Reported(kRemove, [&] {
-    if (Exists(vKey)) items_.Remove(vKey);
+    if (items_.Find(vKey) != nullptr) items_.Remove(vKey);
   });
 }
 

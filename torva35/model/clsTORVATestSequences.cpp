@@ -45,7 +45,7 @@ bool clsTORVATestSequences::AddDefault(const Ref<clsTORVATestQuestions>& oQuesti
 
 bool clsTORVATestSequences::Remove(const TaggedValue& vKey) {
   return Reported(kRemove, false, [&](bool& result) {
-    if (!Exists(vKey)) return;
+    if (items_.Find(vKey) == nullptr) return;
     items_.Remove(vKey);
     result = true;
   });

@@ -66,7 +66,7 @@ bool clsTORVATestStrings::AddDelimitedString(const String& Items, const String& 
 
 bool clsTORVATestStrings::Remove(const TaggedValue& Index) {
   return Reported(kRemove, false, [&](bool& result) {
-    if (!Exists(Index)) return;
+    if (items_.Find(Index) == nullptr) return;
     items_.Remove(Index);
     result = true;
   });
@@ -87,7 +87,7 @@ String clsTORVATestStrings::Item(const TaggedValue& Index) const {
 
 void clsTORVATestStrings::Item(const TaggedValue& Index, String sValue) {
   Reported(kItem, [&] {
-    if (!Exists(Index)) return;
+    if (items_.Find(Index) == nullptr) return;
     sValue = Cut(std::move(sValue), kLetLimit);
     holdsUncopyable_ |= !IsCopyable(sValue);
     items_.Add(std::move(sValue), Missing, Missing, Index);
@@ -96,7 +96,7 @@ void clsTORVATestStrings::Item(const TaggedValue& Index, String sValue) {
 }
 
 bool clsTORVATestStrings::Exists(const TaggedValue& Index) const {
-  return Silently(false, [&](bool& result) { result = Find(Index) != nullptr; });
+  return Silently(false, [&](bool& result) { result = items_.Find(Index) != nullptr; });
 }
 
 String clsTORVATestStrings::AsString(const String& sDelimiter) const {
@@ -124,13 +124,17 @@ Array<String> clsTORVATestStrings::AsArray(Long lLowerBound) const {
 Ref<clsTORVATestStrings> clsTORVATestStrings::Copy() const {
   return Reported(kCopy, Ref<clsTORVATestStrings>(), [&](Ref<clsTORVATestStrings>& result) {
     auto copy = New<clsTORVATestStrings>();
-    if (CopiesAsItIs()) {
-      copy->items_ = items_.CopyUnkeyed();  // what the way through a text comes to, for a tenth of the cost
-    } else {
-      copy->AddDelimitedString(AsString(u"\t"), u"\t");
-    }
+    copy->AddCopies(*this);
     result = std::move(copy);
   });
+}
+
+void clsTORVATestStrings::AddCopies(const clsTORVATestStrings& from) {
+  if (items_.Count() == 0 && from.CopiesAsItIs()) {
+    items_ = from.items_.CopyUnkeyed();  // what the way through a text comes to, for a tenth of the cost
+  } else {
+    AddDelimitedString(from.AsString(u"\t"), u"\t");
+  }
 }
 
 const String* clsTORVATestStrings::Find(const TaggedValue& Index) const {

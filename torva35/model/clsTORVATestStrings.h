@@ -62,6 +62,7 @@ class TORVA35_API clsTORVATestStrings : public Object {
   friend class Inside;
 
   const String* Find(const TaggedValue& Index) const;
+  void AddCopies(const clsTORVATestStrings& from);
   bool CopiesAsItIs() const;
 
   Collection items_;

@@ -77,10 +77,10 @@ bool clsTORVATest::TrimScales() {
 Ref<clsTORVATestStrings> clsTORVATest::QuestionScale(const TaggedValue& vQuestionIndex,
                                                      const TaggedValue& vIsOddOverride) const {
   return Reported(kQuestionScale, Ref<clsTORVATestStrings>(), [&](Ref<clsTORVATestStrings>& result) {
-    if (!Need(questions_).Exists(vQuestionIndex)) return;
     // Held, as what it asks of others may report, and a host may then take the question out.
     const Ref<clsTORVATestQuestion> held = Inside::Find(Need(questions_), vQuestionIndex);
-    const clsTORVATestQuestion& question = Need(held);
+    if (held == nullptr) return;
+    const clsTORVATestQuestion& question = *held;
     const Labelling labels = LabellingOf(*this, question, [&]() -> Long {
       if (vIsOddOverride.IsMissing()) return Inside::PositionOfID(Need(questions_), vQuestionIndex);
       return BooleanOf(basPublic::CString(vIsOddOverride)) ? 1 : 2;
@@ -113,7 +113,7 @@ bool ScaleTexts::ReadItself(const clsTORVATest& test, const TaggedValue& vQuesti
   const bool fitted = labels.extent == Labelling::kOneForEachAnswer;
   const Ref<clsTORVATestStrings> counted = fitted ? question->Answers() : scale_;
   if (counted == nullptr) return false;
-  count_ = counted->Count();
+  count_ = Inside::Count(*counted);
   return true;
 }
 
@@ -130,10 +130,10 @@ String ScaleTexts::At(Long position, CallSite at) const {
 String clsTORVATest::CorrectAnswersAsString(const TaggedValue& vQuestionIndex, const String& sDelimiter,
                                             bool bEnclosedByParens, bool bNumeric) const {
   return Reported(kAsString, String(), [&](String& result) {
-    if (!Need(questions_).Exists(vQuestionIndex)) return;
+    if (Inside::Find(Need(questions_), vQuestionIndex) == nullptr) return;
     const ScaleTexts scale(*this, vQuestionIndex);
     const auto correct = Need(Inside::Find(Need(questions_), vQuestionIndex)).CorrectAnswers();
-    const Long count = Need(correct).Count();
+    const Long count = Inside::Count(Need(correct));
     for (Long i = 1; i <= count; ++i) {
       const Integer number = Need(correct).Item(Narrow<Integer>(i));
       result += bNumeric ? Decimal(number) : scale.At(number);
@@ -147,10 +147,10 @@ String clsTORVATest::CorrectAnswersAsString(const TaggedValue& vQuestionIndex, c
 
 Array<String> clsTORVATest::CorrectAnswersAsArray(const TaggedValue& vQuestionIndex, bool bAsString) const {
   return Reported(kAsArray, Array<String>(), [&](Array<String>& result) {
-    if (!Need(questions_).Exists(vQuestionIndex)) return;
+    if (Inside::Find(Need(questions_), vQuestionIndex) == nullptr) return;
     const ScaleTexts scale(*this, vQuestionIndex);
     const auto correct = Need(Inside::Find(Need(questions_), vQuestionIndex)).CorrectAnswers();
-    const Long count = Need(correct).Count();
+    const Long count = Inside::Count(Need(correct));
     if (count == 0) return;
     std::vector<String> answers;
     for (Long i = 1; i <= count; ++i) {
