@@ -1,4 +1,4 @@
-#include "torva35/platform/Component.h"
+#include "torva35/merge/Component.h"
 
 #include <dlfcn.h>
 #include <gtest/gtest.h>

@@ -3,6 +3,7 @@
 // folders and headers that have the same names as the library's.
 
 #include <torva35/TORVA35.h>
+#include <torva35/merge/Component.h>
 
 #include <iostream>
 
@@ -69,9 +70,16 @@ bool CatchesFailures() {
   return false;
 }
 
+bool MakesObjectsByName() {
+  const ClassFactory* factory = nullptr;
+  return DllGetClassObject(u"clsTORVATestCorrect", &factory) == kComponentOk &&
+         std::dynamic_pointer_cast<clsTORVATestCorrect>(factory->CreateInstance()) != nullptr;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
-  const bool good = argc == 2 && Merge(argv[1]) && CatchesFailures() && Object::AliveCount() == 0;
+  const bool good =
+      argc == 2 && Merge(argv[1]) && CatchesFailures() && MakesObjectsByName() && Object::AliveCount() == 0;
   return good ? 0 : 1;
 }

@@ -53,10 +53,20 @@ To Narrow(From value, CallSite at = CallSite::Current()) {
   return result;
 }
 
-/// The nearest whole number, ties to the even one.
+/// The nearest whole number, ties to the even one, whatever rounding mode the host has set.
+inline Double NearestWhole(Double value) {
+  constexpr Double kAllWhole = 1LL << 52;  // from here on
+  if (!(std::abs(value) < kAllWhole)) return value;
+  const Double below = std::floor(value);
+  const Double above = value - below;  // exact
+  const bool up = above > 0.5 || (above == 0.5 && std::fmod(below, 2) != 0);
+  return up ? below + 1 : below;
+}
+
+/// The same in a type of whole numbers.
 template <std::signed_integral To>
 To Rounded(Double value, CallSite at = CallSite::Current()) {
-  const Double whole = std::nearbyint(value);
+  const Double whole = NearestWhole(value);
   // Both bounds are exact in a Double; a value that is no number fails the comparison.
   if (!(whole >= std::numeric_limits<To>::min() && whole <= std::numeric_limits<To>::max())) Raise(kOverflow, at);
   return static_cast<To>(whole);

@@ -1,7 +1,6 @@
 #include "torva35/base/ListPosition.h"
 
-#include <cmath>
-
+#include "torva35/base/Arithmetic.h"
 #include "torva35/base/Error.h"
 
 namespace TORVA35 {
@@ -12,7 +11,7 @@ std::size_t PlaceOf(const TaggedValue& vIndex, std::size_t count, CallSite at) {
   const auto* wide = vIndex.As<Double>();
   const auto* narrow = vIndex.As<Single>();
   if (wide == nullptr && narrow == nullptr) Raise(kTypeMismatch, at);
-  const Double position = std::nearbyint(wide != nullptr ? *wide : Double{*narrow});
+  const Double position = NearestWhole(wide != nullptr ? *wide : Double{*narrow});
   // A value that is no number fails the comparison.
   if (!(position >= 1 && position <= static_cast<Double>(count))) Raise(kSubscriptOutOfRange, at);
   return static_cast<std::size_t>(position) - 1;

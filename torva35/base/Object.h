@@ -9,6 +9,10 @@
 #include "torva35/base/Export.h"
 #include "torva35/base/Types.h"
 
+#ifndef __cpp_rtti
+#error "TORVA35 asks the host's objects for their types: compile with run-time type information (no -fno-rtti)"
+#endif
+
 namespace TORVA35 {
 
 /// Counted reference to an object, or nothing.

@@ -1,12 +1,12 @@
 #include "torva35/model/Collection.h"
 
 #include <algorithm>
-#include <cmath>
 #include <optional>
 #include <unordered_set>
 #include <utility>
 #include <vector>
 
+#include "torva35/base/Arithmetic.h"
 #include "torva35/base/Error.h"
 #include "torva35/base/Text.h"
 
@@ -83,7 +83,7 @@ struct Collection::Items {
       return PlaceOf(keyed->slot);
     }
     const auto* whole = index.As<Long>();
-    const Double position = whole != nullptr ? *whole : std::nearbyint(NumberOf(index));
+    const Double position = whole != nullptr ? *whole : NearestWhole(NumberOf(index));
     if (!(position >= 1 && position <= static_cast<Double>(Count()))) return std::nullopt;
     return static_cast<std::size_t>(position) - 1;
   }

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <span>
-
 #include "torva35/base/Export.h"
 #include "torva35/base/Object.h"
 #include "torva35/base/Types.h"
@@ -24,15 +22,6 @@ class TORVA35_API ClassFactory {
  protected:
   ~ClassFactory() = default;
 };
-
-/// A row of the class table.
-struct CreatableClass {
-  StringView name;              ///< as `DllGetClassObject` takes it
-  const ClassFactory* factory;  ///< never null
-};
-
-/// The classes that a host creates, to be defined where they are known. The rows last as long as the library.
-std::span<const CreatableClass> CreatableClasses();
 
 // Results of the calls below.
 inline constexpr Long kComponentOk = 0;                                    ///< yes, or done

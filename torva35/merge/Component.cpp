@@ -1,3 +1,7 @@
+#include "torva35/merge/Component.h"
+
+#include <atomic>
+
 #include "torva35/errors/Reported.h"
 #include "torva35/merge/clsTORVA.h"
 #include "torva35/model/clsTORVATest.h"
@@ -5,7 +9,6 @@
 #include "torva35/model/clsTORVATestQuestion.h"
 #include "torva35/model/clsTORVATestSequence.h"
 #include "torva35/model/clsTORVATestStrings.h"
-#include "torva35/platform/Component.h"
 
 namespace TORVA35 {
 namespace {
@@ -21,6 +24,11 @@ class FactoryOf final : public ClassFactory {
 template <class T>
 constexpr FactoryOf<T> kFactoryOf;
 
+struct CreatableClass {
+  StringView name;
+  const ClassFactory* factory;
+};
+
 // All other classes are made inside the library and reached through their owners.
 constexpr CreatableClass kClasses[] = {
     {u"clsTORVA", &kFactoryOf<clsTORVA>},
@@ -31,10 +39,36 @@ constexpr CreatableClass kClasses[] = {
     {u"clsTORVATestSequence", &kFactoryOf<clsTORVATestSequence>},
 };
 
+// The rows never change, so the table is full or empty.
+std::atomic<bool> registered{true};
+
 }  // namespace
 
-std::span<const CreatableClass> CreatableClasses() {
-  return kClasses;
+Long DllRegisterServer() noexcept {
+  registered = true;
+  return kComponentOk;
+}
+
+Long DllUnregisterServer() noexcept {
+  registered = false;
+  return kComponentOk;
+}
+
+Long DllGetClassObject(const char16_t* sClass, const ClassFactory** factory) noexcept {
+  if (factory == nullptr) return kClassNotAvailable;
+  *factory = nullptr;
+  if (sClass == nullptr || !registered) return kClassNotAvailable;
+  for (const CreatableClass& row : kClasses) {
+    if (row.name == sClass) {
+      *factory = row.factory;
+      return kComponentOk;
+    }
+  }
+  return kClassNotAvailable;
+}
+
+Long DllCanUnloadNow() noexcept {
+  return Object::AliveCount() == 0 ? kComponentOk : kComponentFalse;
 }
 
 }  // namespace TORVA35
