@@ -2,6 +2,7 @@
 
 #include "torva35/base/Types.h"
 #include "torva35/import/ExamViewNames.h"
+#include "torva35/import/RichText.h"
 #include "torva35/import/TextAllowance.h"
 #include "torva35/model/clsTORVATest.h"
 #include "torva35/xml/DOMDocument.h"
@@ -11,13 +12,19 @@
 /// test.
 namespace TORVA35 {
 
+/// What the questions of one document share while they are read.
+struct ExamViewDocument {
+  explicit ExamViewDocument(const DOMDocument& document) : texts(document) {}
+
+  ExamViewNames names;
+  RichText richText{names};
+  TextAllowance texts;
+};
+
 /// Reads a `question` element and adds it to the test. bPartialCredit: set True when the question allows it, else
 /// left alone. Returns False when it was not read to its end; nothing of it is then in the test.
-bool AddXMLQuestion(clsTORVATest& test, const IXMLDOMNode& oNode, bool& bPartialCredit, ExamViewNames& names,
-                    TextAllowance& texts);
-
-/// The rich text of a node as a plain string; empty after a failure.
-String NodeText(const IXMLDOMNode& oNode, ExamViewNames& names);
+bool AddXMLQuestion(clsTORVATest& test, const IXMLDOMNode& oNode, bool& bPartialCredit,
+                    ExamViewDocument& document);
 
 /// Takes the letters of the multiple-choice scales from a `mc-choice-sequence` element. Returns False when they
 /// are no letters for both scales, which then stay as they were.

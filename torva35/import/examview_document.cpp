@@ -60,13 +60,12 @@ bool clsTORVATest::LoadXML(const String& sExamViewXMLFile, bool bOddDistractorsO
       const IXMLDOMNodeList headers = document.getElementsByTagName(u"header");
       if (headers.get_length() > 0) ReadHeader(headers.get_item(0), *this);
 
-      ExamViewNames names;
-      TextAllowance texts(document);
+      ExamViewDocument shared(document);
       const IXMLDOMNodeList questions = document.getElementsByTagName(u"question");
       const Long count = questions.get_length();
       for (Long i = 0; i < count; ++i) {
-        AddXMLQuestion(*this, questions.get_item(i), partialCredit, names, texts);
-        if (texts.IsExceeded()) return;  // which has been reported
+        AddXMLQuestion(*this, questions.get_item(i), partialCredit, shared);
+        if (shared.texts.IsExceeded()) return;  // which has been reported
       }
 
       IXMLDOMNodeList sequences = document.getElementsByTagName(u"mc-choice-sequence");

@@ -39,8 +39,12 @@ String Trimmed(String text) {
 class QuestionReader {
  public:
   QuestionReader(const clsTORVATest& test, clsTORVATestQuestion& question, bool& partialCredit,
-                 ExamViewNames& names, TextAllowance& texts)
-      : test_(test), question_(question), partialCredit_(partialCredit), names_(names), texts_(texts) {}
+                 ExamViewDocument& document)
+      : test_(test),
+        question_(question),
+        partialCredit_(partialCredit),
+        names_(document.names),
+        texts_(document.texts) {}
 
   void ReadAttributes(const IXMLDOMNode& element) {
     const IXMLDOMNamedNodeMap attributes = element.get_attributes();
@@ -166,28 +170,28 @@ class QuestionReader {
 
 }  // namespace
 
-bool AddXMLQuestion(clsTORVATest& test, const IXMLDOMNode& oNode, bool& bPartialCredit, ExamViewNames& names,
-                    TextAllowance& texts) {
+bool AddXMLQuestion(clsTORVATest& test, const IXMLDOMNode& oNode, bool& bPartialCredit,
+                    ExamViewDocument& document) {
   return Reported(kAddXMLQuestion, false, [&](bool& result) {
     const auto question = New<clsTORVATestQuestion>();
     // Where memory ran out in its making, it lacks a list, and could not be taken out of the test again.
     Need(question->LearningObjectives());
     Need(question->Answers());
     Need(question->CorrectAnswers());
-    QuestionReader reader(test, *question, bPartialCredit, names, texts);
+    QuestionReader reader(test, *question, bPartialCredit, document);
     reader.ReadAttributes(oNode);
     for (IXMLDOMNode child = oNode.FirstChild(); child; child = child.NextSibling()) {
-      switch (names.Whole(child)) {
+      switch (document.names.Whole(child)) {
         case ExamViewName::kText:
-          question->QuestionText(Trimmed(NodeText(child, names)));
+          question->QuestionText(Trimmed(document.richText.NodeText(child)));
           break;
         case ExamViewName::kChoices:
           for (IXMLDOMNode choice = child.FirstChild(); choice; choice = choice.NextSibling()) {
-            Need(question->Answers()).Add(Trimmed(NodeText(choice, names)));
+            Need(question->Answers()).Add(Trimmed(document.richText.NodeText(choice)));
           }
           break;
         case ExamViewName::kAnswer:
-          reader.ReadAnswer(texts.Take(child));
+          reader.ReadAnswer(document.texts.Take(child));
           break;
         case ExamViewName::kBiDisplayMode:
           reader.ReadDisplayMode(child);
