@@ -31,7 +31,7 @@ bool clsLmf::Open(String sPath) {
     if (ReadLmf(sPath, *this)) return true;
   } catch (const std::bad_alloc&) {
     Clear();
-    Raise(kOutOfMemory);
+    throw Error::OutOfMemory();
   } catch (...) {
     Clear();
     throw;

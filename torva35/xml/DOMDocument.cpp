@@ -38,7 +38,7 @@ bool DOMDocument::load(const TaggedValue& vFileName) {
   } catch (const std::bad_alloc&) {
     reader_.reset();
     building_.reset();
-    Raise(kOutOfMemory);
+    throw Error::OutOfMemory();
   }
 }
 

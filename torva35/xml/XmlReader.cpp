@@ -104,11 +104,11 @@ struct XmlReader::Callbacks {
   }
   static int XMLCALL External(XML_Parser parser, const XML_Char* context, const XML_Char*, const XML_Char*,
                               const XML_Char*) {
-    int status = XML_STATUS_ERROR;
+    bool opened = false;
     // Without a context it is a parameter entity, or the part of the document type that stands outside.
     Run(XML_GetUserData(parser),
-        [&](XmlReader& reader) { status = reader.OpenExternal(parser, context == nullptr); });
-    return status;
+        [&](XmlReader& reader) { opened = reader.OpenExternal(parser, context == nullptr); });
+    return opened ? XML_STATUS_OK : XML_STATUS_ERROR;
   }
   static void XMLCALL Skipped(void* data, const XML_Char*, int isParameter) {
     Run(data, [&](XmlReader& reader) { reader.SkipEntity(isParameter != 0); });
@@ -291,13 +291,15 @@ void XmlReader::DeclareEntity(std::string_view value) {
 
 // In the place of what stands outside the document there is nothing. The parser has to be given that nothing: left
 // alone with a parameter entity, it would no longer take what is declared after it.
-int XmlReader::OpenExternal(XML_ParserStruct* parser, bool isParameter) {
-  if (!isParameter) return XML_STATUS_OK;
+bool XmlReader::OpenExternal(XML_ParserStruct* parser, bool isParameter) {
+  if (!isParameter) return true;
   hasExternal_ = true;
   const std::unique_ptr<XML_ParserStruct, FreeParser> empty(
       XML_ExternalEntityParserCreate(parser, nullptr, nullptr));
   if (empty == nullptr) throw std::bad_alloc();
-  return XML_Parse(empty.get(), "", 0, XML_TRUE);
+  if (XML_Parse(empty.get(), "", 0, XML_TRUE) == XML_STATUS_OK) return true;
+  if (XML_GetErrorCode(empty.get()) == XML_ERROR_NO_MEMORY) throw std::bad_alloc();
+  return false;
 }
 
 // An entity that nobody has declared. What stands outside the document may have declared it, which then

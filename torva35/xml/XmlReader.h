@@ -47,7 +47,7 @@ struct XmlReader {
   void DeclareAttribute(std::string_view element);
   void PassDeclared(std::uint32_t name);
   void DeclareEntity(std::string_view value);
-  int OpenExternal(XML_ParserStruct* parser, bool isParameter);
+  bool OpenExternal(XML_ParserStruct* parser, bool isParameter);
   void SkipEntity(bool isParameter);
   void EndElement();
   void Characters(std::string_view characters);
