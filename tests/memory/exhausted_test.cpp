@@ -11,8 +11,10 @@ namespace TORVA35 {
 namespace {
 
 std::string Export(const std::string& version, const std::string& ids) {
-  std::string xml = "<!DOCTYPE examview [<!ENTITY % p SYSTEM 'p'>%p;<!ENTITY e 'an entity of some length'>]><examview><header><version>" +
-                    version + "</version></header><mc-choice-sequence a='ABCDE_FGHJK'/>";
+  std::string xml =
+      "<!DOCTYPE examview [<!ENTITY % p SYSTEM 'p'>%p;<!ENTITY e 'an entity of some "
+      "length'>]><examview><header><version>" +
+      version + "</version></header><mc-choice-sequence a='ABCDE_FGHJK'/>";
   for (const char id : ids) {
     xml += std::string("<question type='mc' bank-id=' with a long name' question-id='") + id +
            "'><text><para>What is &e; in <b>bold  </b><sup>2</sup> and <equation/>?</para></text><choices>"

@@ -44,7 +44,7 @@ class TORVA35_API clsLmf : public Object {
   virtual void Clear();
 
   /// Replaces the whole model by that of a file. sPath: its path. False for a file that is missing, unreadable,
-  /// damaged or no LMF file of a known version; the model is then empty. Raises only for exhausted memory.
+  /// damaged or no LMF file of a known version; the model is then empty. Raises only for exhausted memory (7).
   virtual bool Open(String sPath);
   /// Writes the model to a file, which a reader sees either as it was or whole: the new one is written beside it,
   /// reaches the disk, and takes its place. False when anything fails, and then an old file stays as it was; so it

@@ -33,7 +33,8 @@ struct XmlParseError {
 /// around them is one node; so is text that mixes literal characters, character references and entities. Text of
 /// white space alone is no node, except in a CDATA section. Namespaces are not processed. Internal entities
 /// expand, parameter entities among them, and attributes get their declared values. External entities are never
-/// opened and contribute nothing, and nothing is validated. XML 1.x, whatever x.
+/// opened and contribute nothing; no more does, in a document that refers to external ones, a reference in its
+/// text to an entity that it does not declare. Nothing is validated. XML 1.x, whatever x.
 ///
 /// Limits, each with words of its own in `parseError`: a file of 1 GiB; ten times the file's size, or 8 MiB, that
 /// entities and declared attributes add; 10,000 declarations, of which 1,000 entities may refer to others; for all
