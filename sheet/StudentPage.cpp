@@ -217,7 +217,9 @@ class StudentPages {
   std::string Bubbles(const Block& block, const Item& item, std::string& texts) const {
     std::string svg;
     if (!item.caption.empty()) {
-      svg += TextAt(item.box.x + block.number - 10, item.strips[0].bubbles[0].y + 12, "number", item.caption);
+      // A question without answers has no bubbles.
+      const int middle = item.strips.empty() ? item.box.y + item.box.height / 2 : item.strips[0].bubbles[0].y;
+      svg += TextAt(item.box.x + block.number - 10, middle + 12, "number", item.caption);
     }
     for (const Strip& strip : item.strips) {
       if (strip.upright) {

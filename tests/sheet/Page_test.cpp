@@ -161,7 +161,7 @@ std::vector<Shape> Shapes() {
   mixed.handGraded.assign(30, {"Subjective", "Why?", 2.5});
   for (Row& row : mixed.rows) row.paper = row.number + row.number / 3;
   mixed.renumbered = true;
-  return {{"Plain", Sheet(60, {kAtoE, kFtoJ, kTrueFalse}), {}},
+  return {{"Plain", Sheet(60, {kAtoE, kFtoJ, kTrueFalse, {}}), {}},
           {"Mixed", mixed, {.language = "fr", .idDigits = 9}},
           {"LargestGrids", Sheet(300, {kAtoE}, {"A"}), {.idDigits = 99, .nameLetters = 99}},
           {"ManyVersions", Sheet(200, {kAtoE}, versions), {.language = "de", .idDigits = 6, .nameLetters = 12}},
@@ -187,11 +187,12 @@ TEST_P(Sheets, DrawWhatAReaderLooksAt) {
     // Each row stands on one page, in order.
     for (const json& field : layout["outputColumns"]) {
       if (field.get<std::string>()[0] != 'q') continue;
+      while (next < result.rows.size() && result.rows[next].labels.empty()) ++next;  // a question without answers
       ASSERT_LT(next, result.rows.size());
       EXPECT_EQ(field, "q" + std::to_string(result.rows[next++].number));
     }
   }
-  EXPECT_EQ(next, result.rows.size());
+  EXPECT_EQ(next + (result.rows.empty() ? 0 : result.rows.back().labels.empty()), result.rows.size());
 }
 
 TEST_P(Sheets, KeepBubblesApartAndWithinTheirPlace) {
