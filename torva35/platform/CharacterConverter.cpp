@@ -30,7 +30,7 @@ CharacterConverter::~CharacterConverter() {
 }
 
 CharacterConverter::Outcome CharacterConverter::Convert(std::string_view bytes, std::u32string& characters) {
-  std::array<char, 8 * 4> out;
+  std::array<char, std::size_t{8} * 4> out;
   char* from = const_cast<char*>(bytes.data());
   char* to = out.data();
   std::size_t fromLeft = bytes.size();
@@ -44,7 +44,7 @@ CharacterConverter::Outcome CharacterConverter::Convert(std::string_view bytes, 
   characters.clear();
   for (const char* code = out.data(); code != to; code += 4) {
     const auto byte = [&](int i) { return static_cast<char32_t>(static_cast<unsigned char>(code[i])); };
-    characters += byte(0) | byte(1) << 8 | byte(2) << 16 | byte(3) << 24;
+    characters.push_back(byte(0) | byte(1) << 8 | byte(2) << 16 | byte(3) << 24);
   }
   // What gives nothing has only changed how later bytes are read.
   return characters.empty() ? Outcome::kInvalid : Outcome::kConverted;
