@@ -16,6 +16,7 @@
 #include "torva35/errors/modStartup.h"
 #include "torva35/errors/modvbCodeShieldSupport.h"
 #include "torva35/platform/Desktop.h"
+#include "torva35/platform/Kept.h"
 
 namespace TORVA35 {
 namespace {
@@ -170,9 +171,13 @@ bool Member(Cause cause) {
 TEST_F(basErrorTest, MemberReportsOnceAndGivesWhatItsResultHeld) {
   basError::goErr() = host;
   const std::pair<void (*)(), String> rows[] = {
-      {[] { throw Error(1234, u"own words", 33); }, u"1234|0|own words|TORVA35 - clsThing.Do; Line: 33||1|False"},
+      // A line of a host's says nothing about the member: its statement does, where it is known.
+      {[] { throw Error(1234, u"own words", 33); }, u"1234|0|own words|TORVA35 - clsThing.Do; Line: 20||1|False"},
+      {[] { Ask(basError::goErr(), CallSite::Current(25)), throw Error(1234, u"own words", 33); },
+       u"1234|0|own words|TORVA35 - clsThing.Do; Line: 25||1|False"},
       {[] { throw Error(1234, u"own words"); }, u"1234|0|own words|TORVA35 - clsThing.Do; Line: 20||1|False"},
-      {[] { Raise(kOverflow, CallSite::Current(44)); }, u"6|0|Overflow|TORVA35 - clsThing.Do; Line: 44||1|False"},
+      {[] { Raise(kOverflow, CallSite::Current(0x80000000u | 44)); },
+       u"6|0|Overflow|TORVA35 - clsThing.Do; Line: 44||1|False"},
       {[] { throw std::runtime_error("fóreign"); }, u"51|0|fóreign|TORVA35 - clsThing.Do; Line: 20||1|False"},
       {[] { throw std::runtime_error(""); }, u"51|0|Internal error|TORVA35 - clsThing.Do; Line: 20||1|False"},
       {[] { throw 5; }, u"51|0|Internal error|TORVA35 - clsThing.Do; Line: 20||1|False"},

@@ -4,9 +4,11 @@
 
 #include "tests/LmfText.h"
 #include "tests/TempFile.h"
+#include "tests/merge/FaultyHost.h"
 #include "tests/merge/MergeFixture.h"
 #include "tests/platform/Faults.h"
 #include "tests/platform/InChild.h"
+#include "torva35/model/basPublic.h"
 
 namespace TORVA35 {
 namespace {
@@ -36,6 +38,74 @@ TEST_F(MemberFaults, AHostObjectThatFaultsInMerge) {
 #if defined(__x86_64__)
   EXPECT_EQ(FaultInDialog(faults::IntegerDivision), "not merged 1, 10132 clsTORVA.Merge, 10132 clsTORVA.Merge");
 #endif
+}
+
+// Merges two versions of a test, and makes a test of the outcome, on objects of a host's of which the n-th call
+// faults. Whether all calls were made.
+bool WorkWithAFaultAt(Long n, const Ref<Recorder>& host, const std::function<Ref<clsTORVATest>(String)>& make) {
+  faulty::callsLeft = -1;
+  const auto engine = New<clsTORVA>();
+  engine->SetError(host);
+  for (const char16_t* name : {u"A", u"B"}) engine->Tests()->Add(make(name));
+  engine->TemplateIn(faulty::Form::Make());
+  engine->TemplateOut(New<clsTemplate>());
+  engine->MIVLMF(New<faulty::Lmf>());
+  engine->SequenceQuestion(1);
+  faulty::callsLeft = n;
+  engine->Merge();
+  basPublic::BuildTestFromLMF(New<clsTORVATest>(), engine->MIVLMF());
+  const bool all = faulty::callsLeft > 0;
+  faulty::callsLeft = -1;
+  return all;
+}
+
+TEST_F(MemberFaults, LeaveNothingOfTheLibrarysAlive) {
+  const auto make = [](String version) {
+    const auto test =
+        Test({Choice(u"1"), Choice(u"2"), Question(u"3", TORVATestQuestionTypeTrueFalse, 2, {2})}, version);
+    test->Questions()->Item(1)->LearningObjectives()->Add(u"reading");
+    test->Questions()->Add(Subjective(u"4"));
+    return test;
+  };
+  const auto work = [&]() -> std::string {
+    engine.reset();
+    const auto before = Object::AliveCount();
+    Long n = 0;
+    for (bool all = false; !all;) {
+      all = WorkWithAFaultAt(++n, host, make);
+      basError::goErr() = nullptr;
+      const auto left = Object::AliveCount() - before;
+      const std::string failures = TakeFailures();
+      TakeDialogs();
+      if (left != 0) return std::to_string(left) + " left after call " + std::to_string(n) + ", " + failures;
+    }
+    return n > 150 ? "nothing left" : "too few calls";
+  };
+  EXPECT_EQ(InChild(work), "nothing left");
+}
+
+// A dialog's owner, and what goes while it is released.
+TEST_F(MemberFaults, ReleaseTheOwnerOfADialogAndEachReference) {
+  struct Going : clsTemplate {
+    ~Going() override { faults::NullRead(); }
+  };
+  EXPECT_EQ(InChild([&] {
+              engine.reset();
+              const auto before = Object::AliveCount();
+              auto own = New<clsTORVA>();
+              own->SetError(host);
+              host->onDialog = faults::NullRead;
+              own->Merge();
+              own.reset();
+              const auto left = Object::AliveCount() - before;
+              host->onDialog = {};
+              own = New<clsTORVA>();
+              own->TemplateIn(New<Going>());
+              own->TemplateOut(New<Going>());
+              own.reset();
+              return std::to_string(left) + " left, " + TakeFailures();
+            }),
+            "0 left, 10005 clsTORVA.Merge, 10005 clsTORVA.Class_Terminate, 10005 clsTORVA.Class_Terminate");
 }
 
 // Loads, merges, and fails now and then, all in one thread; gives what the thread's own error object was told.

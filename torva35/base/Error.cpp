@@ -54,8 +54,9 @@ String StandardText(Long number) {
 
 void Raise(ErrorNumber number, CallSite at) {
   const auto line = static_cast<Long>(at.Line());
-  if (number == kOutOfMemory) throw Error::OutOfMemory(line);
-  throw Error(number, StandardText(number), line);
+  Error error = number == kOutOfMemory ? Error::OutOfMemory(line) : Error(number, StandardText(number), line);
+  error.isLineOfLibrary_ = at.IsLibrarys();
+  throw error;
 }
 
 }  // namespace TORVA35

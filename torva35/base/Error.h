@@ -24,6 +24,9 @@ enum ErrorNumber : Long {
   kDuplicateKey = 457,       ///< a key that is in use
 };
 
+/// Raises the failure with its standard text, at the line of the caller.
+[[noreturn]] TORVA35_API void Raise(ErrorNumber number, CallSite at = CallSite::Current());
+
 /// A failure on its way to the handler of the running member. Members of the engine and of the test model report
 /// it and let none out, but for a few plain properties that say so. Forms, LMF models, the DOM and the basic types
 /// have no handler: what they raise reaches a host that calls them. A host's own object may throw one to say
@@ -47,6 +50,9 @@ class TORVA35_API Error : public std::exception {
   const String& Source() const { return texts_->source; }
   ///@}
 
+  /// Whether the line is one of the library's own source, and not one that a host has given.
+  bool IsLineOfLibrary() const { return isLineOfLibrary_; }
+
   /// Number and description in UTF-8.
   const char* what() const noexcept override { return texts_->what.c_str(); }
 
@@ -54,6 +60,8 @@ class TORVA35_API Error : public std::exception {
   static Error OutOfMemory(Long line = 0) noexcept;
 
  private:
+  friend TORVA35_API void Raise(ErrorNumber number, CallSite at);
+
   struct Texts {
     String description;
     String source;
@@ -63,13 +71,11 @@ class TORVA35_API Error : public std::exception {
 
   Long number_;
   Long line_;
+  bool isLineOfLibrary_ = false;
   std::shared_ptr<const Texts> texts_;
 };
 
 /// The text that belongs to a number: that of the table for the numbers above, one general text for all others.
 TORVA35_API String StandardText(Long number);
-
-/// Raises the failure with its standard text, at the line of the caller.
-[[noreturn]] TORVA35_API void Raise(ErrorNumber number, CallSite at = CallSite::Current());
 
 }  // namespace TORVA35

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "torva35/base/CallSite.h"
+#include "torva35/base/Object.h"
 #include "torva35/base/Types.h"
 #include "torva35/platform/FaultGuard.h"
 
@@ -62,6 +63,22 @@ void ReportedConstruction(Location where, Body&& body, CallSite member = CallSit
         body();
       },
       member);
+}
+
+/// Releases the references of an object that goes, one by one. What one of them raises, or faults with, while it
+/// goes is reported, and the others go all the same.
+template <class... T>
+void ReportedRelease(Location where, CallSite member, Ref<T>&... references) noexcept {
+  (Reported(
+       where, [&] { references.reset(); }, member),
+   ...);
+}
+/// Likewise those of a list, from the last.
+template <class List>
+void ReportedReleaseItems(Location where, CallSite member, List& items) noexcept {
+  for (Long i = items.Count(); i >= 1; --i)
+    Reported(
+        where, [&] { items.Remove(i); }, member);
 }
 
 /// Runs `body(result)` and returns the result; a failure is not reported.

@@ -1,5 +1,6 @@
 #include "torva35/errors/basError.h"
 
+#include <bit>
 #include <new>
 #include <utility>
 
@@ -10,6 +11,7 @@
 #include "torva35/errors/ErrorObject.h"
 #include "torva35/platform/Desktop.h"
 #include "torva35/platform/FaultGuard.h"
+#include "torva35/platform/Kept.h"
 #include "torva35/platform/ThreadOwned.h"
 
 namespace TORVA35::basError {
@@ -94,13 +96,22 @@ Integer ReportError(Long lLine, TaggedValue vNumber, Long lArgument3, String sDe
 
 TaggedValue MsgBoxEx(String sTitle, String sText, Long lStyle, TaggedValue vOwner, String sButton1,
                      TaggedValue vButton2, CallSite at) {
-  // Held and guarded for the reasons above.
+  // Held and guarded for the reasons above. The arguments are handed over by their address (see HandOver): they
+  // stand in a frame that no fault abandons.
+  using ByAddress = TaggedValue (HasMsgBoxEx::*)(String&, String&, Long, TaggedValue&, String&, TaggedValue&);
   const Ref<Object> host = goErr();
   TaggedValue reply;
-  RunGuarded([&] {
-    reply = Bind<HasMsgBoxEx>(host, at).MsgBoxEx(std::move(sTitle), std::move(sText), lStyle, std::move(vOwner),
-                                                 std::move(sButton1), std::move(vButton2));
-  });
+  try {
+    RunGuarded([&] {
+      HasMsgBoxEx& box = Bind<HasMsgBoxEx>(host, at);
+      reply = (box.*std::bit_cast<ByAddress>(&HasMsgBoxEx::MsgBoxEx))(sTitle, sText, lStyle, vOwner, sButton1,
+                                                                      vButton2);
+    });
+  } catch (...) {
+    // What a host raises there is of the statement that shows the dialog.
+    kept::statement = at.Line();
+    throw;
+  }
   return reply;
 }
 

@@ -1,6 +1,7 @@
 #include "torva35/form/clsTemplate.h"
 
 #include "torva35/base/Arithmetic.h"
+#include "torva35/platform/Kept.h"
 
 namespace TORVA35 {
 
@@ -14,21 +15,22 @@ clsTemplate::~clsTemplate() {
 
 template <class Visit>
 void clsTemplate::EachField(Visit visit) const {
-  const Ref<clsTemplatePages> pages = Pages();
+  const Kept pages(Pages());
   for (const Ref<clsTemplatePage>& page : *pages) {
-    const Ref<clsTemplateFields> fields = page->Fields();
+    const Kept fields(page->Fields());
     for (const Ref<clsTemplateField>& field : *fields) visit(*field);
   }
 }
 
 Long clsTemplate::AllQuestions(CallSite at) const {
   Long count = 0;
-  EachField([&](const clsTemplateField& field) { count = CheckedAdd(count, field.Questions()->Count(), at); });
+  EachField(
+      [&](const clsTemplateField& field) { count = CheckedAdd(count, Kept(field.Questions())->Count(), at); });
   return count;
 }
 
 Integer clsTemplate::PageCount(CallSite at) const {
-  return Narrow<Integer>(Pages()->Count(), at);
+  return Narrow<Integer>(Kept(Pages())->Count(), at);
 }
 
 Integer clsTemplate::QuestionCount(CallSite at) const {
@@ -38,14 +40,14 @@ Integer clsTemplate::QuestionCount(CallSite at) const {
 Integer clsTemplate::GradedCount(CallSite at) const {
   Long count = 0;
   EachField([&](const clsTemplateField& field) {
-    const Ref<clsTemplateQuestions> questions = field.Questions();
+    const Kept questions(field.Questions());
     for (const Ref<clsTemplateQuestion>& question : *questions) count = CheckedAdd(count, question->Graded(), at);
   });
   return Narrow<Integer>(count, at);
 }
 
 void clsTemplate::Clear() {
-  Pages()->RemoveAll();
+  Kept(Pages())->RemoveAll();
 }
 
 Array<String> clsTemplate::QuestionNames(Long lFirst, Long lLast, Long, String, Long, CallSite at) const {
@@ -54,7 +56,7 @@ Array<String> clsTemplate::QuestionNames(Long lFirst, Long lLast, Long, String, 
   names.reserve(static_cast<std::size_t>(std::int64_t{lLast} - lFirst + 1));
   Long position = 0;
   EachField([&](const clsTemplateField& field) {
-    const Ref<clsTemplateQuestions> questions = field.Questions();
+    const Kept questions(field.Questions());
     for (const Ref<clsTemplateQuestion>& question : *questions) {
       ++position;
       if (position >= lFirst && position <= lLast) names.push_back(question->Name());
@@ -64,10 +66,10 @@ Array<String> clsTemplate::QuestionNames(Long lFirst, Long lLast, Long, String, 
 }
 
 Ref<clsTemplate> clsTemplate::Copy(bool, bool) const {
-  auto copy = New<clsTemplate>();
-  const Ref<clsTemplatePages> pages = Pages();
+  const Kept copy(New<clsTemplate>());
+  const Kept pages(Pages());
   for (const Ref<clsTemplatePage>& page : *pages) copy->pages_->Add(page->Copy());
-  return copy;
+  return copy.Share();
 }
 
 void clsTemplate::NumberQuestions(CallSite at) const {
@@ -79,7 +81,7 @@ void clsTemplate::NumberQuestions(CallSite at) const {
     const bool visited = group == 0 || group != previousGroup;
     previousGroup = group;
     Long visits = visited ? field.QuestionCount(at) : 0;
-    const Ref<clsTemplateQuestions> questions = field.Questions();
+    const Kept questions(field.Questions());
     for (const Ref<clsTemplateQuestion>& question : *questions) {
       if (visits-- > 0) ++number;
       // A question that was added to another form later belongs to that one.

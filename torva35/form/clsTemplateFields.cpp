@@ -1,6 +1,7 @@
 #include "torva35/form/clsTemplateFields.h"
 
 #include "torva35/base/Arithmetic.h"
+#include "torva35/platform/Kept.h"
 
 namespace TORVA35 {
 
@@ -13,7 +14,7 @@ clsTemplateField::~clsTemplateField() {
 }
 
 Integer clsTemplateField::QuestionCount(CallSite at) const {
-  return Narrow<Integer>(Questions()->Count(), at);
+  return Narrow<Integer>(Kept(Questions())->Count(), at);
 }
 
 void clsTemplateField::GroupID(Integer iGroup) {
@@ -22,11 +23,11 @@ void clsTemplateField::GroupID(Integer iGroup) {
 }
 
 Ref<clsTemplateField> clsTemplateField::Copy() const {
-  auto copy = New<clsTemplateField>();
+  const Kept copy(New<clsTemplateField>());
   copy->settings_ = settings_;
-  const Ref<clsTemplateQuestions> questions = Questions();
+  const Kept questions(Questions());
   for (const Ref<clsTemplateQuestion>& question : *questions) copy->questions_->Add(question->Copy());
-  return copy;
+  return copy.Share();
 }
 
 }  // namespace TORVA35

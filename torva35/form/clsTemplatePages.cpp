@@ -1,4 +1,5 @@
 #include "torva35/form/clsTemplatePages.h"
+#include "torva35/platform/Kept.h"
 
 namespace TORVA35 {
 
@@ -11,10 +12,10 @@ clsTemplatePage::~clsTemplatePage() {
 }
 
 Ref<clsTemplatePage> clsTemplatePage::Copy() const {
-  auto copy = New<clsTemplatePage>();
-  const Ref<clsTemplateFields> fields = Fields();
+  const Kept copy(New<clsTemplatePage>());
+  const Kept fields(Fields());
   for (const Ref<clsTemplateField>& field : *fields) copy->fields_->Add(field->Copy());
-  return copy;
+  return copy.Share();
 }
 
 }  // namespace TORVA35

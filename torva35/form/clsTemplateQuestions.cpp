@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "torva35/form/clsTemplate.h"
+#include "torva35/platform/Kept.h"
 
 namespace TORVA35 {
 namespace {
@@ -28,7 +29,8 @@ Long clsTemplateQuestion::Number(bool, CallSite at) const {
 }
 
 Ref<clsTemplateQuestion> clsTemplateQuestion::Copy() const {
-  auto copy = New<clsTemplateQuestion>(CopyOf(labels_), CopyOf(values_));
+  const Kept labels(CopyOf(labels_));
+  auto copy = New<clsTemplateQuestion>(labels.Share(), CopyOf(values_));
   copy->settings_ = settings_;
   return copy;
 }

@@ -13,6 +13,7 @@
 #include "torva35/model/Inside.h"
 #include "torva35/model/basPublic.h"
 #include "torva35/model/clsTORVATest.h"
+#include "torva35/platform/Kept.h"
 
 namespace TORVA35 {
 namespace {
@@ -46,9 +47,9 @@ Long KindOf(const clsTORVATestStrings& answers) {
 
 // The key is one text of answers, such as "(A,C)". One that is no answer of the question is dropped.
 void ReadAnswerKey(const clsLmfQuestion& from, const clsTORVATestStrings& answers, clsTORVATestCorrect& correct) {
-  const Ref<clsLmfStrings> key = from.CorrectLabels();
-  if (Need(key).Count() == 0) return;
-  const String text = key->Item(1);
+  const Kept key(from.CorrectLabels());
+  if (Ask(key).Count() == 0) return;
+  const String text = Ask(key).Item(1);
   StringView labels = text;
   if (labels.starts_with(u'(') && labels.ends_with(u')')) labels = labels.substr(1, labels.size() - 2);
   // The first answer with exactly this text counts. A file may give a question as many as it can hold.
@@ -66,7 +67,7 @@ Long NextTrue(const clsLmfObjectiveFlags& flags, Long k, Long count, CallSite at
   // A host's own flags are asked one by one, ours as packed bits.
   if (typeid(flags) != typeid(clsLmfObjectiveFlags)) {
     while (++k <= count) {
-      if (Need(flags.Item(k, at), at).Value()) return k;
+      if (Ask(Kept(flags.Item(k, at)), at).Value()) return k;
     }
     return 0;
   }
@@ -78,21 +79,22 @@ Long NextTrue(const clsLmfObjectiveFlags& flags, Long k, Long count, CallSite at
 
 // The first objective of a file is the built-in one, which is never taken over.
 void ReadObjectives(const clsLmfQuestion& from, const clsLmfObjectives& all, clsTORVATestStrings& objectives) {
-  const Ref<clsLmfObjectiveFlags> flags = from.ObjectiveFlags();
   const Long count = all.Count();
   if (count < 2) return;
-  for (Long k = NextTrue(Need(flags), 1, count); k != 0; k = NextTrue(*flags, k, count)) {
-    const String text(Trim(Need(all.Item(k)).Text()));
+  const Kept flags(from.ObjectiveFlags());
+  for (Long k = NextTrue(Ask(flags), 1, count); k != 0; k = NextTrue(*flags, k, count)) {
+    const String text(Trim(Ask(Kept(all.Item(k))).Text()));
     if (!objectives.Exists(text)) objectives.Add(text, text);
   }
 }
 
 Ref<clsTORVATestQuestion> ReadQuestion(const clsLmfQuestion& from, Long position,
                                        const clsLmfObjectives& objectives) {
-  auto question = New<clsTORVATestQuestion>();
+  // The lists are the question's, and nothing else holds a reference while the file's objects are asked.
+  const Kept question(New<clsTORVATestQuestion>());
   clsTORVATestStrings& answers = Need(question->Answers());
-  const Ref<clsLmfStrings> labels = from.Labels();
-  if (Need(labels).Count() > 0) answers.AddArray(labels->AsArray());
+  const Kept labels(from.Labels());
+  if (Ask(labels).Count() > 0) answers.AddArray(Ask(labels).AsArray());
   question->CorrectAnd(from.CorrectAnd());
   question->CorrectPoints(ToSingle(from.CorrectPoints()));
   question->Difficulty(from.Difficulty());
@@ -107,13 +109,15 @@ Ref<clsTORVATestQuestion> ReadQuestion(const clsLmfQuestion& from, Long position
     question->QuestionType(TORVATestQuestionTypeSubjective);
     question->SubjectivePoints(ToSingle(from.SubjectivePoints()));
   } else {
-    ReadAnswerKey(from, answers, Need(question->CorrectAnswers()));
+    clsTORVATestCorrect& correct = Need(question->CorrectAnswers());
+    ReadAnswerKey(from, answers, correct);
     question->QuestionType(KindOf(answers));
   }
   question->Reference(from.Reference());
-  ReadObjectives(from, objectives, Need(question->LearningObjectives()));
+  clsTORVATestStrings& itsObjectives = Need(question->LearningObjectives());
+  ReadObjectives(from, objectives, itsObjectives);
   question->Topic(from.Topic());
-  return question;
+  return question.Share();
 }
 
 // Subjective questions count only as a closed block at the end of the test.
@@ -129,22 +133,22 @@ void RemoveMisplacedSubjective(clsTORVATestQuestions& questions) {
 }
 
 void ReadVersions(const clsLmfVersions& from, clsTORVATest& test) {
-  const Ref<clsTORVATestSequences> versions = test.Sequences();
+  const Kept versions(test.Sequences());
   if (from.VersionMode() != kStoresVersions) {
-    Need(versions).AddDefault(test.Questions(), u"A");
+    Ask(versions).AddDefault(test.Questions(), u"A");
     return;
   }
-  const Long count = Need(from.Sequences()).Count();
+  const Long count = Ask(Kept(from.Sequences())).Count();
   for (Long n = 1; n <= count; ++n) {
-    const auto version = New<clsTORVATestSequence>();
-    version->Answer(Need(from.VersionNames()).Item(n));
-    const Ref<clsLmfSequence> order = Need(from.Sequences()).Item(n);
-    const Long length = Need(order).Count();
+    const Kept version(New<clsTORVATestSequence>());
+    version->Answer(Ask(Kept(from.VersionNames())).Item(n));
+    const Kept order(Ask(Kept(from.Sequences())).Item(n));
+    const Long length = Ask(order).Count();
     for (Long i = 1; i <= length; ++i) {
-      const String id = Decimal(order->Item(i));
+      const String id = Decimal(Ask(order).Item(i));
       if (Need(test.Questions()).Exists(id)) Need(version->Order()).Add(id);
     }
-    Need(versions).Add(version);
+    Ask(versions).Add(version.Share());
   }
 }
 
@@ -164,12 +168,11 @@ void ReadScale(const clsTORVATestQuestions& questions, bool odd, const Ref<clsTO
 
 bool clsTORVATest::LoadLMF(const String& sLMFFile) {
   return Reported(kLoadLMF, false, [&](bool& result) {
-    const auto lmf = New<clsLmf>();
+    const Kept lmf(New<clsLmf>());
     if (!lmf->Open(sLMFFile)) return;
     Clear();
-    Ref<clsTORVATest> self = weak_from_this().lock();
-    if (self == nullptr) self = NotOwned(*this);
-    if (!basPublic::BuildTestFromLMF(self, lmf)) return;
+    const Ref<clsTORVATest> self = weak_from_this().lock();
+    if (!basPublic::BuildTestFromLMF(self == nullptr ? NotOwned(*this) : self, lmf.Share())) return;
     if (const std::size_t separator = sLMFFile.rfind(u'\\'); separator != String::npos) {
       const String name = sLMFFile.substr(separator + 1);
       Title(name.substr(0, name.rfind(u'.')));
@@ -183,19 +186,21 @@ bool basPublic::BuildTestFromLMF(const Ref<clsTORVATest>& oTest, const Ref<clsLm
     if (oLmf == nullptr || oTest == nullptr) return;
     oTest->SetError(basError::goErr());
     oTest->UserDefined(true);
-    oTest->Description(oLmf->Description());
-    oTest->Notes(oLmf->Notes());
+    oTest->Description(Ask(oLmf).Description());
+    oTest->Notes(Ask(oLmf).Notes());
     oTest->Source(TORVATestSourceTypeLMF);
     bool hasSubjective = false;
-    const Long count = Need(oLmf->Questions()).Count();
+    const Long count = Ask(Kept(Ask(oLmf).Questions())).Count();
     for (Long i = 1; i <= count; ++i) {
-      const Ref<clsLmfQuestion> from = oLmf->Questions()->Item(i);
-      if (!Need(from).Graded() && !from->Subjective()) continue;
-      if (from->Subjective()) hasSubjective = true;
-      Need(oTest->Questions()).Add(ReadQuestion(*from, i, Need(oLmf->Objectives())));
+      const Kept from(Ask(Kept(Ask(oLmf).Questions())).Item(i));
+      if (!Ask(from).Graded() && !Ask(from).Subjective()) continue;
+      if (Ask(from).Subjective()) hasSubjective = true;
+      Need(oTest->Questions());
+      const Kept question(ReadQuestion(*from, i, Ask(Kept(Ask(oLmf).Objectives()))));
+      Need(oTest->Questions()).Add(question.Share());
     }
     if (hasSubjective) RemoveMisplacedSubjective(Need(oTest->Questions()));
-    ReadVersions(Need(oLmf->Versions()), *oTest);
+    ReadVersions(Ask(Kept(Ask(oLmf).Versions())), *oTest);
     ReadScale(Need(oTest->Questions()), true, oTest->MultipleChoiceOddScale());
     ReadScale(Need(oTest->Questions()), false, oTest->MultipleChoiceEvenScale());
     result = true;

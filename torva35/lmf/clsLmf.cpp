@@ -4,6 +4,7 @@
 
 #include "torva35/base/Error.h"
 #include "torva35/lmf/LmfFile.h"
+#include "torva35/platform/Kept.h"
 
 namespace TORVA35 {
 
@@ -11,14 +12,14 @@ clsLmf::clsLmf()
     : questions_(New<clsLmfQuestions>()), versions_(New<clsLmfVersions>()), objectives_(New<clsLmfObjectives>()) {}
 
 Integer clsLmf::Prepare() {
-  Objectives()->AddBuiltIn();
+  Kept(Objectives())->AddBuiltIn();
   return 0;
 }
 
 void clsLmf::Clear() {
-  Questions()->RemoveAll();
-  Versions()->Clear();
-  Objectives()->RemoveAll();
+  Kept(Questions())->RemoveAll();
+  Kept(Versions())->Clear();
+  Kept(Objectives())->RemoveAll();
   Description({});
   Notes({});
   Mode(0);

@@ -3,6 +3,7 @@
 #include <numeric>
 
 #include "torva35/base/Error.h"
+#include "torva35/platform/Kept.h"
 
 namespace TORVA35 {
 
@@ -31,9 +32,13 @@ bool clsLmfSequences::AddDefault(Long lCount, CallSite at) {
 
 clsLmfVersions::clsLmfVersions() : sequences_(New<clsLmfSequences>()), versionNames_(New<clsLmfStrings>()) {}
 
+Long clsLmfVersions::VersionMode() const {
+  return Kept(VersionNames())->Count() > 0 ? 2 : 0;
+}
+
 void clsLmfVersions::Clear() {
-  Sequences()->RemoveAll();
-  VersionNames()->RemoveAll();
+  Kept(Sequences())->RemoveAll();
+  Kept(VersionNames())->RemoveAll();
   SequenceQuestion(0);
 }
 

@@ -51,7 +51,7 @@ class TORVA35_API clsLmfVersions : public Object {
   virtual void SequenceQuestion(Long lQuestion) { sequenceQuestion_ = lQuestion; }
 
   /// 2 when the file stores versions, that is when it has version names; else 0.
-  virtual Long VersionMode() const { return VersionNames()->Count() > 0 ? 2 : 0; }
+  virtual Long VersionMode() const;
 
   /// Removes orders and identifiers, and sets `SequenceQuestion` to 0.
   void Clear();

@@ -11,13 +11,16 @@
 
 namespace TORVA35 {
 
-/// One call of `Merge`, from the copied form on: what the walk over the form carries along. Its steps raise; the
-/// member that runs them reports.
+/// One call of `Merge`, from the copied form on. Its steps raise; the member that runs them reports. All that the
+/// walk over the form holds stands in this object, which outlives a fault of a host's object: its steps keep no
+/// references in locals while they call what may be a host's.
 class FormMerge {
  public:
-  /// From the copy of the form in `TemplateOut`.
-  FormMerge(clsTORVA& engine, clsTORVATest& test);
+  FormMerge(clsTORVA& engine, clsTORVATest& test)
+      : engine_(engine), test_(test), form_(engine.templateOut_), lmf_(engine.lmf_) {}
 
+  /// Reads the names of the questions from the copy of the form in `TemplateOut`.
+  void Begin(CallSite at = CallSite::Current());
   /// Enters every objective of the test into the data file, once each.
   void EnterObjectives();
   /// Switches off the last graded questions of the form, so that lExcess fewer are left.
@@ -31,22 +34,31 @@ class FormMerge {
   const Collection& QuestionPositions() const { return questionPositions_; }
 
  private:
-  bool MergeQuestion(const clsTemplateField& field, clsTemplateQuestion& formQuestion);
-  bool TakeTestQuestion(const clsTemplateField& field, clsTemplateQuestion& formQuestion, clsLmfQuestion& output);
-  void TakeScale(const clsTORVATestQuestion& question, clsTemplateQuestion& formQuestion, clsLmfQuestion& output);
-  ScaleTexts Scale(const clsTORVATestQuestion& question) const;
-  void CopyFromForm(const clsTemplateField& field, const clsTemplateQuestion& formQuestion,
-                    clsLmfQuestion& output);
-  void AddFlags(clsLmfQuestion& output);
-  void MarkObjectives(const clsTORVATestQuestion& question, clsLmfQuestion& output);
+  // Each is about the field, the question of the form and the output question at which the walk stands.
+  ///@{
+  bool MergeQuestion();
+  void CopyFromForm();
+  bool TakeTestQuestion();
+  void TakeScale();
+  Long TakeLabels();
+  void AddFlags();
+  void MarkObjectives();
+  bool IsChoiceField() const;
+  ///@}
+  ScaleTexts Scale() const;
   void FindObjectives();
-  Ref<clsTORVATestQuestion> NextTestQuestion(CallSite at = CallSite::Current());
+  void NextTestQuestion(CallSite at = CallSite::Current());
   String NextName(CallSite at = CallSite::Current());
 
   clsTORVA& engine_;
   clsTORVATest& test_;
   Ref<clsTemplate> form_;
   Ref<clsLmf> lmf_;
+  // Where the walk stands.
+  Ref<clsTemplateField> field_;
+  Ref<clsTemplateQuestion> formQuestion_;
+  Ref<clsTORVATestQuestion> testQuestion_;
+  Ref<clsLmfQuestion> output_;
   // Only read: what a fresh question holds by itself.
   Ref<clsLmfQuestion> sharedQuestion_ = New<clsLmfQuestion>();
   Array<String> names_;  // of the form's questions, in its order

@@ -22,12 +22,7 @@ clsTORVA::clsTORVA() {
 }
 
 clsTORVA::~clsTORVA() {
-  Reported(kTerminate, [&] {
-    templateIn_.reset();
-    templateOut_.reset();
-    tests_.reset();
-    lmf_.reset();
-  });
+  ReportedRelease(kTerminate, CallSite::Current(), templateIn_, templateOut_, tests_, lmf_);
 }
 
 bool clsTORVA::SetError(const Ref<Object>& oErr) {

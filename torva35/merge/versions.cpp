@@ -9,6 +9,7 @@
 #include "torva35/merge/clsTORVA.h"
 #include "torva35/model/Inside.h"
 #include "torva35/model/clsTORVATest.h"
+#include "torva35/platform/Kept.h"
 
 namespace TORVA35 {
 namespace {
@@ -135,44 +136,44 @@ bool clsTORVA::ValidTestVersions() {
 
 bool clsTORVA::BuildSequences(const Collection& oQuestionPositions) {
   return Reported(kBuildSequences, false, [&](bool& result) {
-    const Ref<clsLmfQuestions> questions = Need(lmf_).Questions();
-    const Ref<clsLmfVersions> versions = Need(lmf_).Versions();
-    const Long count = Need(questions).Count();
-    Need(Need(versions).Sequences()).AddDefault(count);
+    const Kept questions(Ask(lmf_).Questions());
+    const Kept versions(Ask(lmf_).Versions());
+    const Long count = Ask(questions).Count();
+    Ask(Kept(Ask(versions).Sequences())).AddDefault(count);
     const Long tests = Need(tests_).Count();
     if (tests <= 1) {
       result = true;
       return;
     }
-    versions->SequenceQuestion(sequenceQuestion_);
+    Ask(versions).SequenceQuestion(sequenceQuestion_);
     for (Long t = 1; t <= tests; ++t) {
-      const Ref<clsTORVATest> test = Need(tests_).Item(t);
-      std::vector<Long> order;
+      const Kept test(Need(tests_).Item(t));
+      const Kept order(std::make_shared<std::vector<Long>>());
       if (t > 1) {
-        const Ref<clsTORVATestQuestions> testQuestions = Need(test).Questions();
-        order.reserve(static_cast<std::size_t>(count));
+        const Kept testQuestions(Ask(test).Questions());
+        order->reserve(static_cast<std::size_t>(count));
         Long graded = 0;
         for (Long k = 1; k <= count; ++k) {
-          if (!Need(questions->Item(k)).Graded()) {
-            order.push_back(k);
+          if (!Ask(Kept(Ask(questions).Item(k))).Graded()) {
+            order->push_back(k);
             continue;
           }
           graded = CheckedAdd(graded, 1);
-          if (graded > Need(testQuestions).Count()) return;
+          if (graded > Ask(testQuestions).Count()) return;
           const TaggedValue& position = oQuestionPositions.Item(Need(Inside::Find(*testQuestions, graded)).ID());
-          order.push_back(*position.As<Long>());
+          order->push_back(*position.As<Long>());
         }
       }
-      if (!ValidVersionIdentifier(Need(test).Version())) {
+      if (!ValidVersionIdentifier(Ask(test).Version())) {
         Tell(u"Invalid Version Identifier", kIdentifierUnknown);
         return;
       }
-      Need(versions->VersionNames()).Add(test->Version());
+      Ask(Kept(Ask(versions).VersionNames())).Add(test->Version());
       // The first test has the natural order, which is in place already.
       if (t == 1) continue;
-      const auto sequence = New<clsLmfSequence>();
-      sequence->SetOrder(Array<Long>(1, std::move(order)));
-      Need(versions->Sequences()).Add(sequence);
+      const Kept sequence(New<clsLmfSequence>());
+      sequence->SetOrder(Array<Long>(1, std::move(*order)));
+      HandOver(Ask(Kept(Ask(versions).Sequences())), &clsLmfSequences::Add, sequence, CallSite::Current());
     }
     result = true;
   });
@@ -180,14 +181,14 @@ bool clsTORVA::BuildSequences(const Collection& oQuestionPositions) {
 
 bool clsTORVA::ValidVersionIdentifier(const String& sVersion) const {
   return Silently(false, [&](bool& result) {
-    const Ref<clsLmfQuestions> questions = Need(lmf_).Questions();
-    if (sequenceQuestion_ < 1 || sequenceQuestion_ > Need(questions).Count()) return;
-    const Ref<clsLmfQuestion> question = questions->Item(sequenceQuestion_);
+    const Kept questions(Ask(lmf_).Questions());
+    if (sequenceQuestion_ < 1 || sequenceQuestion_ > Ask(questions).Count()) return;
+    const Kept question(Ask(questions).Item(sequenceQuestion_));
     // A scored question cannot carry the version.
-    if (Need(question).Graded()) return;
-    const Ref<clsLmfStrings> labels = question->Labels();
-    const Long count = Need(labels).Count();
-    for (Long i = 1; i <= count && !result; ++i) result = EqualNoCase(labels->Item(i), sVersion);
+    if (Ask(question).Graded()) return;
+    const Kept labels(Ask(question).Labels());
+    const Long count = Ask(labels).Count();
+    for (Long i = 1; i <= count && !result; ++i) result = EqualNoCase(Ask(labels).Item(i), sVersion);
   });
 }
 

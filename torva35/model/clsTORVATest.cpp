@@ -9,6 +9,7 @@ namespace TORVA35 {
 namespace {
 
 constexpr Location kInitialize(u"TORVA35 - clsTORVATest.Class_Initialize");
+constexpr Location kTerminate(u"TORVA35 - clsTORVATest.Class_Terminate");
 constexpr Location kNumObjectives(u"TORVA35 - clsTORVATest.NumObjectives");
 constexpr Location kClear(u"TORVA35 - clsTORVATest.Clear");
 constexpr Location kSetError(u"TORVA35 - clsTORVATest.SetError");
@@ -29,6 +30,11 @@ clsTORVATest::clsTORVATest() {
     trueFalseScale_->AddDelimitedString(u"T\tF");
     yesNoScale_->AddDelimitedString(u"Y\tN");
   });
+}
+
+clsTORVATest::~clsTORVATest() {
+  ReportedRelease(kTerminate, CallSite::Current(), questions_, sequences_, multipleChoiceOddScale_,
+                  multipleChoiceEvenScale_, trueFalseScale_, yesNoScale_);
 }
 
 Long clsTORVATest::NumObjectives() const {

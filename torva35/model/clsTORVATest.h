@@ -39,6 +39,7 @@ enum TORVATestImportObjectives : Long {
 class TORVA35_API clsTORVATest : public Object, public std::enable_shared_from_this<clsTORVATest> {
  public:
   clsTORVATest();
+  ~clsTORVATest() override;
 
   /// The questions, in order. The test's own list, as are the versions and the scales, and never a copy: changes
   /// are seen by every holder. Setting replaces the reference; a list that was set to nothing fails (91) where a

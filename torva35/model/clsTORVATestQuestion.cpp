@@ -9,6 +9,7 @@ namespace TORVA35 {
 namespace {
 
 constexpr Location kInitialize(u"TORVA35 - clsTORVATestQuestion.Class_Initialize");
+constexpr Location kTerminate(u"TORVA35 - clsTORVATestQuestion.Class_Terminate");
 constexpr Location kCopy(u"TORVA35 - clsTORVATestQuestion.Copy");
 
 }  // namespace
@@ -26,6 +27,10 @@ clsTORVATestQuestion::clsTORVATestQuestion() {
     answers_ = Ref<clsTORVATestStrings>(lists, &lists->answers);
     correctAnswers_ = Ref<clsTORVATestCorrect>(lists, &lists->correctAnswers);
   });
+}
+
+clsTORVATestQuestion::~clsTORVATestQuestion() {
+  ReportedRelease(kTerminate, CallSite::Current(), learningObjectives_, answers_, correctAnswers_);
 }
 
 bool clsTORVATestQuestion::MultiplesPermitted(CallSite at) const {

@@ -39,6 +39,7 @@ class clsTORVATestQuestions;
 class TORVA35_API clsTORVATestQuestion : public Object {
  public:
   clsTORVATestQuestion();
+  ~clsTORVATestQuestion() override;
 
   /// The objectives that the question belongs to. The question's own list, as are the two below, and never a copy:
   /// changes are seen by every holder. Setting replaces the reference.

@@ -6,6 +6,7 @@ namespace TORVA35 {
 namespace {
 
 constexpr Location kInitialize(u"TORVA35 - clsTORVATestQuestions.Class_Initialize");
+constexpr Location kTerminate(u"TORVA35 - clsTORVATestQuestions.Class_Terminate");
 constexpr Location kCount(u"TORVA35 - clsTORVATestQuestions.Count");
 constexpr Location kAdd(u"TORVA35 - clsTORVATestQuestions.Add");
 constexpr Location kRemove(u"TORVA35 - clsTORVATestQuestions.Remove");
@@ -21,6 +22,7 @@ clsTORVATestQuestions::clsTORVATestQuestions() {
 
 clsTORVATestQuestions::~clsTORVATestQuestions() {
   for (Long i = items_.Count(); i >= 1; --i) Find(i)->RemoveHolder(*this);
+  ReportedReleaseItems(kTerminate, CallSite::Current(), items_);
 }
 
 Long clsTORVATestQuestions::Count() const {

@@ -7,12 +7,17 @@ namespace TORVA35 {
 namespace {
 
 constexpr Location kInitialize(u"TORVA35 - clsTORVATestSequence.Class_Initialize");
+constexpr Location kTerminate(u"TORVA35 - clsTORVATestSequence.Class_Terminate");
 constexpr Location kCopy(u"TORVA35 - clsTORVATestSequence.Copy");
 
 }  // namespace
 
 clsTORVATestSequence::clsTORVATestSequence() {
   ReportedConstruction(kInitialize, [&] { order_ = Inside::New<clsTORVATestSequenceOrder>(); });
+}
+
+clsTORVATestSequence::~clsTORVATestSequence() {
+  ReportedRelease(kTerminate, CallSite::Current(), order_);
 }
 
 Ref<clsTORVATestSequence> clsTORVATestSequence::Copy(const Ref<clsTORVATestQuestions>& oQuestions) const {

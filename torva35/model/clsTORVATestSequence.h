@@ -15,6 +15,7 @@ namespace TORVA35 {
 class TORVA35_API clsTORVATestSequence : public Object {
  public:
   clsTORVATestSequence();
+  ~clsTORVATestSequence() override;
 
   /// The version's own order, never a copy. Setting replaces the reference.
   Ref<clsTORVATestSequenceOrder> Order() const { return order_; }

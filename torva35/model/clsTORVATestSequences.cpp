@@ -7,6 +7,7 @@ namespace TORVA35 {
 namespace {
 
 constexpr Location kInitialize(u"TORVA35 - clsTORVATestSequences.Class_Initialize");
+constexpr Location kTerminate(u"TORVA35 - clsTORVATestSequences.Class_Terminate");
 constexpr Location kCount(u"TORVA35 - clsTORVATestSequences.Count");
 constexpr Location kAdd(u"TORVA35 - clsTORVATestSequences.Add");
 constexpr Location kAddDefault(u"TORVA35 - clsTORVATestSequences.AddDefault");
@@ -18,6 +19,10 @@ constexpr Location kItem(u"TORVA35 - clsTORVATestSequences.Item");
 
 clsTORVATestSequences::clsTORVATestSequences() {
   ReportedConstruction(kInitialize, [] {});
+}
+
+clsTORVATestSequences::~clsTORVATestSequences() {
+  ReportedReleaseItems(kTerminate, CallSite::Current(), items_);
 }
 
 Long clsTORVATestSequences::Count() const {

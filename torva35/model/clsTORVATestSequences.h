@@ -15,6 +15,8 @@ namespace TORVA35 {
 /// never raised.
 class TORVA35_API clsTORVATestSequences : public Object {
  public:
+  ~clsTORVATestSequences() override;
+
   /// Number of versions.
   Long Count() const;
 

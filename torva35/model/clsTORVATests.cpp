@@ -7,6 +7,7 @@ namespace TORVA35 {
 namespace {
 
 constexpr Location kInitialize(u"TORVA35 - clsTORVATests.Class_Initialize");
+constexpr Location kTerminate(u"TORVA35 - clsTORVATests.Class_Terminate");
 constexpr Location kAdd(u"TORVA35 - clsTORVATests.Add");
 constexpr Location kRemove(u"TORVA35 - clsTORVATests.Remove");
 constexpr Location kRemoveAll(u"TORVA35 - clsTORVATests.RemoveAll");
@@ -15,6 +16,10 @@ constexpr Location kRemoveAll(u"TORVA35 - clsTORVATests.RemoveAll");
 
 clsTORVATests::clsTORVATests() {
   ReportedConstruction(kInitialize, [] {});
+}
+
+clsTORVATests::~clsTORVATests() {
+  ReportedReleaseItems(kTerminate, CallSite::Current(), items_);
 }
 
 void clsTORVATests::Add(const Ref<clsTORVATest>& Item, const TaggedValue& Key, const TaggedValue& Before,

@@ -14,6 +14,8 @@ namespace TORVA35 {
 /// reported to the error object, never raised.
 class TORVA35_API clsTORVATests : public Object {
  public:
+  ~clsTORVATests() override;
+
   /// Number of tests.
   Long Count() const { return items_.Count(); }
 

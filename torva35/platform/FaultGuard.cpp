@@ -19,6 +19,7 @@
 #include <x86intrin.h>
 #endif
 
+#include "torva35/platform/Kept.h"
 #include "torva35/platform/ThreadOwned.h"
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
@@ -57,6 +58,8 @@ struct Frame {
   sigjmp_buf jump;
   Frame* outer;
   ExceptionGlobals exceptions;
+  std::size_t kept;                    // slots in use when it began
+  std::uint_least32_t outerStatement;  // of the member around it
   ExceptionRecord record;
 };
 
@@ -358,10 +361,15 @@ class Running {
     }
     frame_.outer = state.innermost;
     frame_.exceptions = *state.exceptions;
+    frame_.kept = kept::Count();
+    frame_.outerStatement = std::exchange(kept::statement, 0);
   }
   Running(const Running&) = delete;
   Running& operator=(const Running&) = delete;
-  ~Running() { state.innermost = frame_.outer; }
+  ~Running() {
+    state.innermost = frame_.outer;
+    kept::lastStatement = std::exchange(kept::statement, frame_.outerStatement);
+  }
 
  private:
   Frame& frame_;
@@ -370,6 +378,7 @@ class Running {
 [[noreturn]] void RaiseFault(Frame& frame) {
   // Handlers of exceptions among the abandoned frames never come to their end.
   *state.exceptions = frame.exceptions;
+  kept::ReleaseFrom(frame.kept);
   ExceptionPointers pointers{&frame.record};
   if (const ExceptionFilter filter = registered.load(std::memory_order_relaxed)) filter(pointers);
   const auto signal = static_cast<int>(frame.record.Parameters[0]);
