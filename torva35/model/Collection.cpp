@@ -82,8 +82,11 @@ struct Collection::Items {
       if (keyed == nullptr) return std::nullopt;
       return PlaceOf(keyed->slot);
     }
-    const auto* whole = index.As<Long>();
-    const Double position = whole != nullptr ? *whole : NearestWhole(NumberOf(index));
+    if (const auto* whole = index.As<Long>()) {
+      const std::size_t place = static_cast<std::size_t>(*whole) - 1;  // of 0 and below, far beyond the end
+      return place < Count() ? std::optional(place) : std::nullopt;
+    }
+    const Double position = NearestWhole(NumberOf(index));
     if (!(position >= 1 && position <= static_cast<Double>(Count()))) return std::nullopt;
     return static_cast<std::size_t>(position) - 1;
   }
