@@ -84,7 +84,7 @@ int Console::Ask(const sheet::Dialog& dialog) {
   }
   std::vector<Button> buttons(dialog.buttons.begin(), dialog.buttons.end());
   if (buttons.size() < 2) return 0;
-  if (isatty(STDIN_FILENO) == 0) {
+  if (isatty(STDIN_FILENO) == 0 || isatty(STDERR_FILENO) == 0) {
     std::cerr << "(No terminal to ask: " << OneLine(buttons.front().name) << ")\n";
     return 0;
   }
@@ -105,8 +105,11 @@ void Console::EndProgress() {
 }
 
 void Console::Print(const sheet::Result& result) const {
+  const sheet::Severity least = !quiet_   ? sheet::Severity::kNote
+                                : strict_ ? sheet::Severity::kWarning
+                                          : sheet::Severity::kError;
   for (const sheet::Finding& finding : result.findings) {
-    if (quiet_ && finding.severity != sheet::Severity::kError) continue;
+    if (finding.severity < least) continue;
     std::string place = "torva35";
     if (finding.file >= 0) place = OneLine(FromUtf8(result.files[static_cast<std::size_t>(finding.file)].name));
     if (finding.line > 0) place += ":" + std::to_string(finding.line);

@@ -10,7 +10,8 @@ namespace tool {
 /// What the program says beside its results, on standard error.
 class Console {
  public:
-  explicit Console(bool quiet) : quiet_(quiet) {}
+  /// quiet: shows no dialogs, and of the findings those that make the run fail; strict: warnings do.
+  Console(bool quiet, bool strict) : quiet_(quiet), strict_(strict) {}
 
   /// Shows a dialog and returns the position of the button that was chosen; the first one where nobody can be
   /// asked.
@@ -29,6 +30,7 @@ class Console {
 
  private:
   bool quiet_;
+  bool strict_;
   bool shown_ = false;
   std::map<std::string, std::string> seen_;  // texts of dialogs, with the file they were about
 };

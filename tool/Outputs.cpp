@@ -8,6 +8,8 @@
 #include <random>
 #include <system_error>
 
+#include "Stop.h"
+
 namespace tool {
 
 namespace fs = std::filesystem;
@@ -15,13 +17,14 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr char kStandardOutput[] = "-";
+constexpr char kOutputDevice[] = "/dev/stdout";  // where it leads, on systems that have it
 
 [[noreturn]] void Fail(const std::string& name, const std::string& why) {
   throw Outputs::Trouble{name + ": " + why};
 }
 
 std::string LastError() {
-  return std::strerror(errno);
+  return errno != 0 ? std::strerror(errno) : "cannot be written";
 }
 
 // The file that a path leads to, whether it is there or not.
@@ -55,15 +58,21 @@ bool WriteContent(const std::string& path, const std::string& content) {
 
 void Outputs::Protect(const std::string& path) {
   protected_.push_back(Target(path));
+  std::error_code error;
+  const fs::path output(kOutputDevice);
+  if (fs::is_regular_file(output, error) && fs::equivalent(output, protected_.back(), error)) {
+    Fail(path, "is standard output, too");
+  }
 }
 
 void Outputs::Add(const std::string& path, std::string content) {
-  Output output{path, {}, {}, {}, std::move(content), false};
   std::error_code error;
   const fs::file_status status = path == kStandardOutput ? fs::file_status() : fs::status(path, error);
+  Output output{path, Target(path == kStandardOutput ? kOutputDevice : path), {}, std::move(content)};
   output.straight =
       path == kStandardOutput || (fs::exists(status) && !fs::is_regular_file(status) && !fs::is_directory(status));
   if (output.straight) {
+    CheckTarget(output);
     outputs_.push_back(std::move(output));
     return;
   }
@@ -71,16 +80,23 @@ void Outputs::Add(const std::string& path, std::string content) {
 }
 
 void Outputs::Add(const std::string& path, std::function<bool(const std::string& path)> write) {
-  Output output{path, Target(path), {}, std::move(write), {}, false};
+  std::error_code error;
+  Output output{path, Target(path), std::move(write), {}};
+  output.replaces = fs::exists(output.target, error);
   if (path == kStandardOutput) Fail(path, "cannot be written to standard output");
-  if (fs::is_directory(output.target)) Fail(path, "is a folder");
+  if (fs::is_directory(output.target, error)) Fail(path, "is a folder");
+  if (fs::equivalent(output.target, kOutputDevice, error)) Fail(path, "is standard output, which is called \"-\"");
+  CheckTarget(output);
+  outputs_.push_back(std::move(output));
+}
+
+void Outputs::CheckTarget(const Output& output) const {
   for (const fs::path& input : protected_) {
-    if (SameFile(input, output.target)) Fail(path, "is a file to read, and is not overwritten");
+    if (SameFile(input, output.target)) Fail(output.name, "is a file to read, and is not overwritten");
   }
   for (const Output& other : outputs_) {
-    if (!other.straight && SameFile(other.target, output.target)) Fail(path, "is to be written twice");
+    if (SameFile(other.target, output.target)) Fail(output.name, "is to be written twice");
   }
-  outputs_.push_back(std::move(output));
 }
 
 void Outputs::Write() {
@@ -91,20 +107,23 @@ void Outputs::Write() {
     for (const Output& output : outputs_) {
       if (output.straight) WriteStraight(output);
     }
+    if (!std::cout.flush()) Fail("standard output", "cannot be written");
+    CheckStop();
     for (Output& output : outputs_) {
-      if (output.straight) continue;
-      std::error_code error;
-      fs::rename(output.temporary, output.target, error);
-      if (error) Fail(output.name, error.message());
-      output.temporary.clear();
+      if (!output.straight) PutInPlace(output);
     }
   } catch (...) {
-    RemoveTemporaries();
+    Undo();
     throw;
+  }
+  std::error_code error;
+  for (const Output& output : outputs_) {
+    if (!output.before.empty()) fs::remove(output.before, error);
   }
 }
 
 void Outputs::WriteBeside(Output& output) {
+  CheckStop();
   std::error_code error;
   // A reader's folders are made as they are needed, and gone again when the run fails.
   std::vector<fs::path> missing;
@@ -115,29 +134,51 @@ void Outputs::WriteBeside(Output& output) {
   std::for_each(missing.rbegin(), missing.rend(), [&](const fs::path& folder) {
     if (fs::create_directory(folder, error)) folders_.push_back(folder);
   });
-  const fs::path temporary = Beside(output.target);
-  output.temporary = temporary;
+  output.temporary = Beside(output.target);
   errno = 0;
-  if (!output.write(temporary.string())) Fail(output.name, errno != 0 ? LastError() : "cannot be written");
+  if (!output.write(output.temporary.string())) Fail(output.name, LastError());
   const fs::file_status before = fs::status(output.target, error);
   if (!fs::exists(before)) return;
   if ((before.permissions() & fs::perms::owner_write) == fs::perms::none) Fail(output.name, "may not be written");
-  fs::permissions(temporary, before.permissions(), error);
+  fs::permissions(output.temporary, before.permissions(), error);
 }
 
 void Outputs::WriteStraight(const Output& output) {
+  CheckStop();
   if (output.name == kStandardOutput) {
-    std::cout.write(output.content.data(), static_cast<std::streamsize>(output.content.size()));
-    return;  // whether it has arrived is seen at the end
+    std::cout << output.content;
+  } else if (!WriteContent(output.name, output.content)) {
+    Fail(output.name, LastError());
   }
-  if (!WriteContent(output.name, output.content))
-    Fail(output.name, errno != 0 ? LastError() : "cannot be written");
 }
 
-void Outputs::RemoveTemporaries() noexcept {
+void Outputs::PutInPlace(Output& output) {
+  std::error_code error;
+  // On some systems names that differ in case are of one file, which is seen only now.
+  if (fs::exists(output.target, error) && !output.replaces) Fail(output.name, "is there by now");
+  if (output.replaces) {
+    const fs::path before = Beside(output.target);
+    fs::create_hard_link(output.target, before, error);
+    if (error) fs::copy_file(output.target, before, error);
+    if (error) Fail(output.name, error.message());
+    output.before = before;
+  }
+  fs::rename(output.temporary, output.target, error);
+  if (error) Fail(output.name, error.message());
+  output.placed = true;
+}
+
+void Outputs::Undo() noexcept {
   std::error_code error;
   for (const Output& output : outputs_) {
-    if (!output.temporary.empty()) fs::remove(output.temporary, error);
+    if (output.placed && output.replaces) {
+      fs::rename(output.before, output.target, error);
+    } else if (output.placed) {
+      fs::remove(output.target, error);
+    } else {
+      if (!output.temporary.empty()) fs::remove(output.temporary, error);
+      if (!output.before.empty()) fs::remove(output.before, error);
+    }
   }
   std::for_each(folders_.rbegin(), folders_.rend(), [&](const fs::path& folder) { fs::remove(folder, error); });
 }

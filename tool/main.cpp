@@ -1,15 +1,21 @@
 // The program torva35: reads files, lets the library make a sheet of them, and prints and writes what came of it.
 // No rule about a test stands here.
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <algorithm>
+#include <cerrno>
 #include <clocale>
 #include <csignal>
 #include <cstdio>
+#include <cstring>
 #include <exception>
 #include <filesystem>
-#include <fstream>
 #include <iostream>
 #include <optional>
+#include <system_error>
+#include <utility>
 
 #include <torva35/TORVA35.h>
 #include <torva35/sheet/Export.h>
@@ -17,6 +23,7 @@
 #include "Console.h"
 #include "Options.h"
 #include "Outputs.h"
+#include "Stop.h"
 #include "Tables.h"
 
 using namespace tool;
@@ -40,8 +47,11 @@ class InputCopy {
     for (std::size_t count; (count = std::fread(part, 1, sizeof part, stdin)) > 0;) {
       good = std::fwrite(part, 1, count, copy) == count && good;
     }
+    const std::string unread = std::ferror(stdin) != 0 ? std::strerror(errno) : "";
     good = std::fclose(copy) == 0 && good;
-    if (!good) throw Outputs::Trouble{path_ + ": cannot be written"};
+    if (good && unread.empty()) return;
+    std::remove(path_.c_str());
+    throw Outputs::Trouble{unread.empty() ? path_ + ": cannot be written" : "standard input: " + unread};
   }
   ~InputCopy() { std::remove(path_.c_str()); }
   InputCopy(const InputCopy&) = delete;
@@ -55,10 +65,13 @@ class InputCopy {
 
 class Run {
  public:
-  explicit Run(const Options& options) : options_(options), console_(options.quiet) {}
+  explicit Run(const Options& options) : options_(options), console_(options.quiet, options.strict) {}
 
   ExitCode All() {
     if (!PathsAreGood()) return kWrongUsage;
+    for (const std::string& file : options_.files) {
+      if (file != kStandard) outputs_.Protect(file);
+    }
     const sheet::Result result = Make();
     console_.EndProgress();
     const bool withErrors = result.Has(options_.strict ? sheet::Severity::kWarning : sheet::Severity::kError);
@@ -69,8 +82,7 @@ class Run {
     } else if (done && !WritesToStandardOutput()) {
       PrintKeys(std::cout, result);
     }
-    if (!options_.list) Write(result, withErrors);
-    if (!std::cout.flush()) throw Outputs::Trouble{"standard output: cannot be written"};
+    Write(result, withErrors);
     if (result.status == sheet::Status::kRefused || result.status == sheet::Status::kCancelled) return kRefused;
     if (std::any_of(result.findings.begin(), result.findings.end(),
                     [](const sheet::Finding& finding) { return finding.kind == "failure"; })) {
@@ -99,8 +111,9 @@ class Run {
     const bool outputTwice = std::count(names.begin(), names.end(), kStandard) > 1;
     if (inputTwice) Console::Say("standard input can be read once only");
     if (outputTwice) Console::Say("standard output can take one file only");
-    if (options_.save == kStandard) Console::Say("an LMF file cannot be written to standard output");
-    return !inputTwice && !outputTwice && options_.save != kStandard;
+    const bool needsName = options_.save == kStandard || options_.reader == kStandard;
+    if (needsName) Console::Say("an LMF file or a folder cannot be written to standard output");
+    return !inputTwice && !outputTwice && !needsName;
   }
 
   sheet::Result Make() {
@@ -115,7 +128,10 @@ class Run {
     }
     sheet::Options options = options_.sheet;
     options.ask = [this](const sheet::Dialog& dialog) { return console_.Ask(dialog); };
-    options.progress = [this](const sheet::Progress& progress) { console_.Show(progress); };
+    options.progress = [this](const sheet::Progress& progress) {
+      CheckStop();
+      console_.Show(progress);
+    };
     return sheet::MakeSheet(inputs, options);
   }
 
@@ -136,15 +152,11 @@ class Run {
   void Write(const sheet::Result& result, bool withErrors) {
     const bool done = result.status == sheet::Status::kDone;
     const bool grades = done && (!withErrors || options_.force);
-    Outputs outputs;
-    for (const std::string& file : options_.files) {
-      if (file != kStandard) outputs.Protect(file);
-    }
     std::string withheld;
     const auto add = [&](const std::string& path, bool wanted, const auto& content) {
       if (path.empty()) return;
       if (wanted) {
-        outputs.Add(path, content());
+        outputs_.Add(path, content());
       } else {
         withheld += (withheld.empty() ? "" : ", ") + path;
       }
@@ -155,40 +167,64 @@ class Run {
     // Without a sheet there is no file, but a program that reads the output still learns why.
     add(options_.json, done || options_.json == kStandard, [&] { return sheet::Json(result); });
     if (!options_.save.empty() && grades) {
-      outputs.Add(options_.save, [&](const std::string& path) { return result.lmf->Save(FromUtf8(path)); });
+      outputs_.Add(options_.save, [&](const std::string& path) { return result.lmf->Save(FromUtf8(path)); });
     } else if (!options_.save.empty()) {
       withheld += (withheld.empty() ? "" : ", ") + options_.save;
     }
     if (!options_.reader.empty() && grades) {
-      if (std::filesystem::exists(options_.reader) && !std::filesystem::is_directory(options_.reader)) {
-        throw Outputs::Trouble{options_.reader + ": is no folder"};
-      }
-      for (sheet::OutputFile& file : sheet::ReaderFiles(result, options_.page)) {
-        outputs.Add(options_.reader + "/" + file.path, std::move(file.content));
+      std::vector<sheet::OutputFile> files = sheet::ReaderFiles(result, options_.page);
+      CheckReaderFolder(files);
+      for (sheet::OutputFile& file : files) {
+        outputs_.Add(options_.reader + "/" + file.path, std::move(file.content));
       }
     } else if (!options_.reader.empty()) {
       withheld += (withheld.empty() ? "" : ", ") + options_.reader;
     }
-    if (!withheld.empty()) {
-      Console::Say(withheld +
-                   (done ? ": not written, since marks would be graded wrong; --force writes it all the same"
-                         : ": not written, since there is no sheet"));
+    if (!withheld.empty()) Console::Say(withheld + ": not written, since " + WhyWithheld(result));
+    outputs_.Write();
+  }
+
+  static std::string WhyWithheld(const sheet::Result& result) {
+    if (result.status != sheet::Status::kDone) return "there is no sheet";
+    return std::string(result.Has(sheet::Severity::kError) ? "marks would be graded wrong"
+                                                           : "there are warnings, and --strict") +
+           "; --force writes it all the same";
+  }
+
+  // A folder that a version of an earlier sheet has left there would have its scans graded with the wrong key.
+  void CheckReaderFolder(const std::vector<sheet::OutputFile>& files) const {
+    namespace fs = std::filesystem;
+    const fs::path folder(options_.reader);
+    std::error_code error;
+    if (!fs::exists(folder, error)) return;
+    if (!fs::is_directory(folder, error)) throw Outputs::Trouble{options_.reader + ": is no folder"};
+    for (const fs::directory_entry& entry : fs::recursive_directory_iterator(folder, error)) {
+      const std::string path = entry.path().lexically_relative(folder).generic_string();
+      const bool layout = entry.path().filename() == "template.json";
+      const bool ours = std::any_of(files.begin(), files.end(),
+                                    [&](const sheet::OutputFile& file) { return file.path == path; });
+      if (!layout || ours) continue;
+      throw Outputs::Trouble{entry.path().string() +
+                             ": is of another sheet; remove its folder, or name another one"};
     }
-    outputs.Write();
   }
 
   const Options& options_;
   Console console_;
   std::optional<InputCopy> standardInput_;
+  Outputs outputs_;
 };
 
-}  // namespace
+// A file that is opened must not become a standard stream that the caller has closed. These fail when they are
+// used.
+void FillStandardStreams() {
+  for (const auto& [stream, mode] :
+       {std::pair{STDIN_FILENO, O_WRONLY}, {STDOUT_FILENO, O_RDONLY}, {STDERR_FILENO, O_RDONLY}}) {
+    if (fcntl(stream, F_GETFD) < 0) open("/dev/null", mode);
+  }
+}
 
-int main(int argc, char** argv) {
-  std::setlocale(LC_CTYPE, "C.UTF-8");  // for the width of characters in the terminal
-  std::signal(SIGPIPE, SIG_IGN);        // a reader that goes away is a failed write, which is said
-  Options options;
-  if (const auto exitCode = ReadCommandLine(argc, argv, options)) return *exitCode;
+ExitCode RunAll(const Options& options) {
   try {
     return Run(options).All();
   } catch (const Outputs::Trouble& trouble) {
@@ -197,4 +233,18 @@ int main(int argc, char** argv) {
     Console::Say(error.what());
   }
   return kFailed;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  FillStandardStreams();
+  std::setlocale(LC_CTYPE, "C.UTF-8");  // for the width of characters in the terminal
+  std::signal(SIGPIPE, SIG_IGN);        // a reader that goes away is a failed write, which is said
+  Options options;
+  if (const auto exitCode = ReadCommandLine(argc, argv, options)) return std::cout.flush() ? *exitCode : kFailed;
+  CatchStops();
+  const ExitCode exitCode = RunAll(options);
+  PassStop();
+  return exitCode;
 }

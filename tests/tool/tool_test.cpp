@@ -227,7 +227,9 @@ TEST_F(Tool, LosesNothingWhereItCannotWrite) {
   const std::string input = Write("in.xml", Sample());
   std::filesystem::create_symlink(input, Path("link.xml"));
   std::filesystem::create_hard_link(input, Path("hard.xml"));
-  std::filesystem::create_directory(Path("folder"));
+  std::filesystem::create_directories(Path("folder/C"));
+  Write("folder/C/template.json", "{}");
+  Write("old.csv", "old");
   const std::vector<std::string> before = Names();
   const std::vector<std::pair<std::string, std::string>> failed = {
       {"--html " + input, "in.xml: is a file to read, and is not overwritten"},
@@ -237,10 +239,16 @@ TEST_F(Tool, LosesNothingWhereItCannotWrite) {
       {"--csv " + Path("x.csv") + " --json " + Path("./x.csv"), "x.csv: is to be written twice"},
       {"--csv " + Path("folder"), "folder: is a folder"},
       {"--reader " + input, "in.xml: is no folder"},
+      {"--reader " + Path("folder"), "folder/C/template.json: is of another sheet"},
       {"--csv " + Path("good.csv") + " --html /proc/none/x.html", "/proc/none/x.html: "},
       {"--csv " + Path("good.csv") + " --json /dev/full", "/dev/full: No space left on device"},
       {"--csv - >/dev/full", "standard output: cannot be written"},
-      {">/dev/full", "standard output: cannot be written"},
+      {"--html " + Path("good.html") + " >/dev/full", "standard output: cannot be written"},
+      {"--html " + Path("good.html") + " >&-", "standard output: cannot be written"},
+      // Found out only when the first file is in its place.
+      {"--csv " + Path("old.csv") + " --json " + Path("x") + " --reader " + Path("x"), "x: is there by now"},
+      {">>" + input, "in.xml: is standard output, too"},
+      {"- <" + Path("folder"), "standard input: Is a directory"},
   };
   for (const auto& [arguments, reason] : failed) {
     const Outcome run = RunProgram("-q " + input + " " + arguments);
@@ -248,12 +256,15 @@ TEST_F(Tool, LosesNothingWhereItCannotWrite) {
     EXPECT_THAT(run.output, HasSubstr(reason)) << arguments;
     EXPECT_EQ(Names(), before) << arguments;
     EXPECT_EQ(Read("in.xml"), Sample()) << arguments;
+    EXPECT_EQ(Read("old.csv"), "old") << arguments;
   }
   for (const char* wrong : {"", "--no-such-option x.xml", "--objectives all x.xml", "--id-digits 0 x.xml",
-                            "--language xx x.xml", "- -", "--csv - --json - x.xml", "--save - x.xml"}) {
+                            "--language xx x.xml", "- -", "--csv - --json - x.xml", "--save - x.xml",
+                            "--reader - x.xml", "--csv '' x.xml", "--list --csv x x.xml", "--state ohio x.xml"}) {
     EXPECT_EQ(RunProgram(wrong).exitCode, 2) << wrong;
   }
   EXPECT_EQ(RunProgram("--help").exitCode, 0);
+  EXPECT_EQ(RunProgram("--help >/dev/full").exitCode, 1);
   EXPECT_THAT(RunProgram("--version").output, testing::StartsWith("torva35 "));
 }
 
