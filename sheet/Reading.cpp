@@ -383,6 +383,7 @@ Question PlainQuestion(const clsTORVATestQuestion& oQuestion) {
 Reading ReadFile(const Input& input, int position, const Options& options, Recorder& recorder, File& file,
                  std::vector<Source>& sources, Findings& findings) {
   DOMDocument document;
+  document.KeepPlaces(true);
   if (!document.load(FromUtf8(input.path))) {
     findings.Add(Severity::kError, "refused", position, WhyRefused(input.path));
     return Reading::kRefused;

@@ -14,8 +14,8 @@ struct Place {
   long column = 0;
 };
 
-Place PlaceOf(const IXMLDOMNode&) {
-  return {};
+Place PlaceOf(const IXMLDOMNode& node) {
+  return {static_cast<long>(node.Line()), static_cast<long>(node.Column())};
 }
 
 std::string NameOf(const IXMLDOMNode& node) {
@@ -53,7 +53,6 @@ class RichText {
   // where: "the text", "choice C".
   void Walk(const IXMLDOMNode& node, const std::string& where) {
     const std::string name = NameOf(node);
-    if (name.empty()) return WalkCharacters(node, where);
     if (name == "equation") {
       return Add("equation", node, where,
                  node.FirstChild() ? "an equation is not read" : "an equation is read as the word \"equation\"");
@@ -67,20 +66,25 @@ class RichText {
     } else if (!OneOf(name, {"text", "para", "b", "i", "u", "font", "sup"}) && !HasChoiceName(name)) {
       return AddUnknown(name, node, where);
     }
-    for (IXMLDOMNode child = node.FirstChild(); child; child = child.NextSibling()) Walk(child, where);
+    for (IXMLDOMNode child = node.FirstChild(); child; child = child.NextSibling()) {
+      if (NameOf(child).empty()) {
+        WalkCharacters(child.Utf8(), node, where);
+      } else {
+        Walk(child, where);
+      }
+    }
   }
 
  private:
   // A line feed goes, and nothing takes its place: words on both sides of it are joined.
-  void WalkCharacters(const IXMLDOMNode& node, const std::string& where) {
-    const std::string_view text = node.Utf8();
+  void WalkCharacters(std::string_view text, const IXMLDOMNode& element, const std::string& where) {
     for (std::size_t at = text.find('\n'); at != text.npos; at = text.find('\n', at + 1)) {
       const bool inside = at > 0 && at + 1 < text.size();
       if (!inside || static_cast<unsigned char>(text[at - 1]) <= ' ' ||
           static_cast<unsigned char>(text[at + 1]) <= ' ') {
         continue;
       }
-      return Add("line-break", node, where, "words at a line break are joined", Severity::kNote);
+      return Add("line-break", element, where, "words at a line break are joined", Severity::kNote);
     }
   }
 
@@ -155,7 +159,7 @@ class ElementSurvey {
     for (IXMLDOMNode choice = choices.FirstChild(); choice; choice = choice.NextSibling()) {
       ++choices_;
       const std::string where = "choice " + std::to_string(choices_);
-      rich_.Walk(choice, where);
+      if (!NameOf(choice).empty()) rich_.Walk(choice, where);
       if (InOneLine(choice.Text()).size() > kAnswerUnits) {
         Add(Severity::kNote, "cut", choice, "the text of " + where + " is cut to 50 characters");
       }

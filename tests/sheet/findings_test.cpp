@@ -12,6 +12,8 @@
 namespace TORVA35::sheet {
 namespace {
 
+using testing::HasSubstr;
+
 // "error no-key 2": the severity, the kind, and the number of the question on the paper if it is about one.
 std::string Line(const Finding& finding) {
   static const char* const kWords[] = {"note ", "warning ", "error "};
@@ -168,6 +170,20 @@ TEST(Findings, AreWhatTheTeacherMustKnow) {
     EXPECT_EQ(made.result.status, row.status);
     EXPECT_EQ(made.result.rows.empty(), row.status != Status::kDone);
   }
+}
+
+TEST(Findings, NameBothPlacesOfADuplicate) {
+  const Made made({Exam("\n" + TrueFalse("1") + "\n" + TrueFalse("2") + "\n  " + TrueFalse("1"))});
+  ASSERT_EQ(made.result.findings.size(), 1u);
+  const Finding& finding = made.result.findings.front();
+  EXPECT_THAT(finding.text, HasSubstr("question 3 (ID 1)"));
+  EXPECT_THAT(finding.text, HasSubstr("question 1 at line 2"));
+  EXPECT_EQ(finding.line, 4);
+  EXPECT_EQ(finding.column, 3);
+  const auto& questions = made.result.files.front().questions;
+  ASSERT_EQ(questions.size(), 3u);
+  EXPECT_EQ(questions[2].fate, Fate::kDuplicate);
+  EXPECT_EQ(made.result.rows.size(), 2u);
 }
 
 TEST(Findings, ComeWithDialogsThatNameTheFile) {

@@ -118,7 +118,7 @@ TEST_F(Tool, PrintsAKeyForEachVersionAndTheFindings) {
   EXPECT_THAT(run.output, HasSubstr("Key of version B\n\nRow Bubbles Key Points ID Text\n"));
   EXPECT_THAT(run.output, HasSubstr("\n 4 F G H J K F 2 50 What carries"));
   EXPECT_THAT(run.output, HasSubstr("\n 8 F G H J K G J 2 70 Which two"));
-  EXPECT_THAT(run.output, HasSubstr(": warning: question 8: an equation is read as the word"));
+  EXPECT_THAT(run.output, HasSubstr(kSample + ":125:48: warning: question 8: an equation is read as the word"));
   EXPECT_EQ(RunProgram("--strict -q " + kVersions).exitCode, 4);
 }
 

@@ -1,5 +1,7 @@
 #include "torva35/xml/DOMDocument.h"
 
+#include <algorithm>
+
 #include <new>
 
 #include "torva35/base/Error.h"
@@ -138,6 +140,24 @@ IXMLDOMNode IXMLDOMNode::NextSibling() const {
   const XmlTree& tree = NeedTree(tree_);
   if (attribute_ || tree.nodes[index_].next == 0) return {};
   return IXMLDOMNode(tree_, tree.nodes[index_].next);
+}
+
+const XmlPlace* IXMLDOMNode::Place() const {
+  if (tree_ == nullptr) Raise(kNothing);
+  if (attribute_) return nullptr;
+  const auto found = std::lower_bound(tree_->places.begin(), tree_->places.end(), index_,
+                                      [](const XmlPlace& place, std::uint32_t node) { return place.node < node; });
+  return found != tree_->places.end() && found->node == index_ ? &*found : nullptr;
+}
+
+std::int64_t IXMLDOMNode::Line() const {
+  const XmlPlace* place = Place();
+  return place == nullptr ? 0 : place->line;
+}
+
+std::int64_t IXMLDOMNode::Column() const {
+  const XmlPlace* place = Place();
+  return place == nullptr ? 0 : place->column;
 }
 
 IXMLDOMNode IXMLDOMNode::FirstChild() const {

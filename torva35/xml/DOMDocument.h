@@ -17,6 +17,7 @@ namespace TORVA35 {
 class IXMLDOMNode;
 class IXMLDOMNodeList;
 class IXMLDOMNamedNodeMap;
+struct XmlPlace;
 struct XmlTree;
 
 /// Why the last `load` gave False.
@@ -54,6 +55,9 @@ class TORVA35_API DOMDocument {
   /// Loading is always finished when `load` returns, so this changes nothing.
   void put_async(bool) {}
 
+  /// Whether the next `load` notes where each element begins, for `Line` and `Column` of nodes; not at first.
+  void KeepPlaces(bool keep) { keepsPlaces_ = keep; }
+
   /// Reads and parses a file. vFileName: its path as a String; any other kind raises 13. False for a file that is
   /// missing, unreadable or not well-formed; the document is then empty and `parseError` says why. Exhausted
   /// memory is raised (7).
@@ -78,6 +82,7 @@ class TORVA35_API DOMDocument {
   std::unique_ptr<XmlTree> building_;  // not to be seen before it is whole
   std::unique_ptr<struct XmlReader> reader_;
   XmlParseError parseError_;
+  bool keepsPlaces_ = false;
 };
 
 /// An element, a text, a CDATA section, or an attribute.
@@ -114,6 +119,12 @@ class TORVA35_API IXMLDOMNode {
   IXMLDOMNode NextSibling() const;
   /// The first child, or an empty handle.
   IXMLDOMNode FirstChild() const;
+  /// Where an element begins in the file: line from 1, and column in characters from 1. 0 where places were not
+  /// kept, and for a node that is no element.
+  ///@{
+  std::int64_t Line() const;
+  std::int64_t Column() const;
+  ///@}
 
  private:
   friend class DOMDocument;
@@ -121,6 +132,8 @@ class TORVA35_API IXMLDOMNode {
   friend class IXMLDOMNamedNodeMap;
   IXMLDOMNode(const XmlTree* tree, std::uint32_t index, bool attribute = false)
       : tree_(tree), index_(index), attribute_(attribute) {}
+
+  const XmlPlace* Place() const;
 
   const XmlTree* tree_ = nullptr;
   std::uint32_t index_ = 0;

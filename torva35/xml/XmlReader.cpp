@@ -123,6 +123,7 @@ bool XmlReader::Load(DOMDocument& document, InputFile file, Listener listener) {
   document.parseError_ = {};
   document.tree_.reset();
   document.building_ = std::make_unique<XmlTree>();
+  document.building_->keepsPlaces = document.keepsPlaces_;
   document.reader_ = std::make_unique<XmlReader>(*document.building_, std::move(file), std::move(listener));
   document.parseError_ = document.reader_->Read();
   document.reader_.reset();
@@ -241,7 +242,12 @@ void XmlReader::BeginElement(std::string_view name, const char** attributes) {
   const std::uint32_t number = tree_.Intern(name);
   if (declaredFor_ != nullptr) PassDeclared(number);
   Append({number, 0, 0, static_cast<std::uint32_t>(tree_.attributes.size()), text, text});
-  open_.push_back({static_cast<std::uint32_t>(tree_.nodes.size() - 1), 0});
+  const auto node = static_cast<std::uint32_t>(tree_.nodes.size() - 1);
+  open_.push_back({node, 0});
+  if (tree_.keepsPlaces) {
+    tree_.places.push_back({node, static_cast<std::uint32_t>(XML_GetCurrentLineNumber(parser_.get())),
+                            static_cast<std::uint32_t>(XML_GetCurrentColumnNumber(parser_.get())) + 1});
+  }
   const char** const defaults = attributes + XML_GetSpecifiedAttributeCount(parser_.get());
   for (; *attributes != nullptr; attributes += 2) {
     if (attributes >= defaults) AllowDefault(attributes[0], attributes[1]);

@@ -25,6 +25,13 @@ struct XmlAttribute {
   std::uint32_t valueEnd;
 };
 
+/// Where an element begins in the file.
+struct XmlPlace {
+  std::uint32_t node;
+  std::uint32_t line;    // from 1
+  std::uint32_t column;  // from 1
+};
+
 struct XmlTree {
   static constexpr std::uint32_t kText = 0xFFFFFFFF;
   static constexpr std::uint32_t kCdata = 0xFFFFFFFE;
@@ -55,8 +62,10 @@ struct XmlTree {
 
   std::vector<XmlNode> nodes;  // the document first, its root element among its children
   std::vector<XmlAttribute> attributes;
-  std::string text;    // all characters, UTF-8
-  std::string values;  // all attribute values, UTF-8
+  bool keepsPlaces = false;
+  std::vector<XmlPlace> places;  // of the elements, in order, if they are kept
+  std::string text;              // all characters, UTF-8
+  std::string values;            // all attribute values, UTF-8
 
  private:
   // Looks names up by their characters, wherever these stand.
