@@ -1,3 +1,5 @@
+#include <fcntl.h>
+#include <grp.h>
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/resource.h>
@@ -10,6 +12,7 @@
 #include <fstream>
 #include <iterator>
 #include <limits>
+#include <sstream>
 #include <string>
 #include <thread>
 #include <vector>
@@ -38,6 +41,8 @@ bool Fails() {
 extern "C" {
 int __real_openat(int folder, const char* name, int flags, mode_t mode);
 int __wrap_openat(int folder, const char* name, int flags, mode_t mode) {
+  // To look for leftovers, and to bring a name to the disk: a save does without.
+  if ((flags & O_DIRECTORY) != 0) return __real_openat(folder, name, flags, mode);
   return Fails() ? -1 : __real_openat(folder, name, flags, mode);
 }
 int __real_fchmod(int file, mode_t mode);
@@ -353,11 +358,9 @@ TEST(LmfFile, AFailedSaveLeavesTheOldFile) {
   rlimit before;
   ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &before), 0);
   const rlimit small{100000, before.rlim_max};
-  const auto oldAction = signal(SIGXFSZ, SIG_IGN);
   ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
   const bool saved = Save(lmf, path);
   ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &before), 0);
-  signal(SIGXFSZ, oldAction);
 
   EXPECT_FALSE(saved);
   EXPECT_EQ(Bytes(path), old);
@@ -413,11 +416,13 @@ TEST(LmfFile, WhereverASaveStopsTheFileIsWhole) {
     EXPECT_EQ(replaced, 1);  // at the last call, which brings the new file's name to the disk
     EXPECT_EQ(Bytes(path), newBytes);
   }
-  // What killed processes have left, one of this number among them, is in nobody's way.
-  for (int i = 0; i < 1000; ++i) {
-    Write(folder.File((".lmf-" + std::to_string(getpid()) + "-" + std::to_string(i) + ".tmp").c_str()), "left");
-  }
-  EXPECT_TRUE(Save(old, path));
+  // A save takes away what killed saves of this file have left, and not what belongs to another file.
+  EXPECT_EQ(StoppedSave(lmf, path, 4, true), "ended by SIGKILL");
+  EXPECT_EQ(folder.Names().size(), 2u);
+  ASSERT_TRUE(Save(old, folder.File("b.lmf")));
+  EXPECT_EQ(folder.Names().size(), 3u);
+  ASSERT_TRUE(Save(old, path));
+  EXPECT_EQ(folder.Names().size(), 2u);
   EXPECT_EQ(Bytes(path), oldBytes);
 }
 
@@ -432,10 +437,98 @@ TEST(LmfFile, ASaveKeepsAccessRightsAndFollowsALink) {
   EXPECT_EQ(fs::status(target).permissions(), fs::perms(0640));
   clsLmf opened;
   EXPECT_TRUE(opened.Open(FromUtf8(target)));
+  // A link that leads to no file yet, by way of another folder's link.
+  fs::create_directory(folder.File("inner"));
+  fs::create_symlink("../link2", folder.File("inner/link"));
+  fs::create_symlink("new", folder.File("link2"));
+  EXPECT_TRUE(Save(clsLmf(), folder.File("inner/link")));
+  EXPECT_TRUE(fs::is_symlink(folder.File("link2")));
+  EXPECT_TRUE(fs::is_regular_file(folder.File("new")));
+  fs::create_symlink("circle", folder.File("circle"));
+  EXPECT_FALSE(Save(clsLmf(), folder.File("circle")));
+  EXPECT_TRUE(fs::is_symlink(folder.File("circle")));
   // The name takes all the room that a name has.
   const std::string longName = folder.File(std::string(255, 'n').c_str());
   EXPECT_TRUE(Save(clsLmf(), longName));
-  EXPECT_EQ(folder.Names().size(), 3u);
+  EXPECT_EQ(folder.Names().size(), 7u);
+}
+
+// Mode, and whether the group is still that of the old file, after a save by another user of these groups, who may
+// write in the folder and not list it.
+std::string SavedBySomebodyElse(unsigned mode, std::vector<gid_t> groups) {
+  constexpr uid_t kOwner = 12345, kSaver = 12346;
+  constexpr gid_t kGroup = 23456;
+  const Folder folder;
+  const std::string path = folder.File("a");
+  Write(path, "old");
+  if (chown(path.c_str(), kOwner, kGroup) != 0) return "no right to give a file away";
+  fs::permissions(path, fs::perms(mode));
+  fs::permissions(folder.path, fs::perms(0733));
+  const std::string end = InChild([&]() -> std::string {
+    if (setgroups(groups.size(), groups.data()) != 0 || setgid(kSaver) != 0 || setuid(kSaver) != 0)
+      return "no child";
+    return Save(clsLmf(), path) ? "saved" : "refused";
+  });
+  struct stat saved {};
+  stat(path.c_str(), &saved);
+  std::ostringstream text;
+  text << end << ' ' << std::oct << (saved.st_mode & 07777) << (saved.st_gid == kGroup ? " group kept" : "")
+       << (saved.st_uid == kOwner ? " old" : "");
+  return text.str();
+}
+
+TEST(LmfFile, ASaveBySomebodyElseGivesNobodyMore) {
+  if (geteuid() != 0) GTEST_SKIP() << "needs the rights to give a file away";
+  EXPECT_EQ(SavedBySomebodyElse(0664, {23456}), "saved 664 group kept");
+  EXPECT_EQ(SavedBySomebodyElse(06670, {23456}), "saved 2670 group kept");
+  EXPECT_EQ(SavedBySomebodyElse(0666, {}), "saved 606");
+  EXPECT_EQ(SavedBySomebodyElse(06676, {}), "saved 606");
+  EXPECT_EQ(SavedBySomebodyElse(0644, {}), "refused 644 group kept old");
+}
+
+// A host's own parts: what their members say, and not what the base classes hold.
+struct HostObjectives final : clsLmfObjectives {
+  Long Count() const override { return 2; }
+  Ref<clsLmfObjective> Item(const TaggedValue& Index, CallSite at) const override {
+    auto objective = New<clsLmfObjective>();
+    objective->Text(NumberOf(Index) == 1 ? u"(All Questions)" : u"own");
+    if (fails) Raise(kTypeMismatch, at);
+    return objective;
+  }
+  bool Exists(const TaggedValue& Key, CallSite) const override { return *Key.As<String>() == u"own"; }
+  bool fails = false;
+};
+
+struct HostFlags final : clsLmfObjectiveFlags {
+  HostFlags() { all->AddFalse(2), all->Value(2, true); }
+  Long Count() const override { return 2; }
+  Ref<clsLmfObjectiveFlag> Item(Long lPosition, CallSite) const override { return all->Item(lPosition); }
+  Ref<clsLmfObjectiveFlags> all = New<clsLmfObjectiveFlags>();
+};
+
+struct HostLmf final : clsLmf {
+  Ref<clsLmfObjectives> Objectives() const override { return own; }
+  Ref<HostObjectives> own = New<HostObjectives>();
+};
+
+struct HostQuestion final : clsLmfQuestion {
+  Ref<clsLmfObjectiveFlags> ObjectiveFlags() const override { return own; }
+  Ref<HostFlags> own = New<HostFlags>();
+};
+
+TEST(LmfFile, AHostsOwnPartsAreSavedAsTheySay) {
+  HostLmf lmf;
+  lmf.Questions()->Add(New<HostQuestion>());
+  const TempFile file;
+  ASSERT_TRUE(lmf.Save(file.Path()));
+  clsLmf opened;
+  ASSERT_TRUE(opened.Open(file.Path()));
+  EXPECT_EQ(opened.Objectives()->Count(), 2);
+  EXPECT_TRUE(opened.Objectives()->Exists(u"own"));
+  EXPECT_FALSE(opened.Questions()->Item(1)->ObjectiveFlags()->Value(1));
+  EXPECT_TRUE(opened.Questions()->Item(1)->ObjectiveFlags()->Value(2));
+  lmf.own->fails = true;
+  EXPECT_FALSE(lmf.Save(file.Path()));
 }
 
 }  // namespace

@@ -2,7 +2,10 @@
 #include <charconv>
 #include <cmath>
 #include <cstdio>
+#include <optional>
 #include <string>
+#include <typeinfo>
+#include <utility>
 
 #include "torva35/base/Text.h"
 #include "torva35/lmf/LmfFile.h"
@@ -76,8 +79,8 @@ class Writer {
  private:
   void WriteObjectives(const clsLmfObjectives& objectives) {
     buffer_ += "<objectives>\n";
-    flagsInFront_ = objectives.HasBuiltIn() ? 0 : 1;
-    if (!objectives.HasBuiltIn()) {
+    flagsInFront_ = HasBuiltIn(objectives) ? 0 : 1;
+    if (flagsInFront_ > 0) {
       clsLmfObjectives builtIn;
       builtIn.AddBuiltIn();
       WriteObjective(builtIn, 1);
@@ -90,13 +93,30 @@ class Writer {
     buffer_ += "<objective";
     Attribute("text", objectives.Item(position)->Text());
     // An empty key is a key, too.
-    if (const auto key = objectives.KeyOf(position)) {
+    if (const auto key = KeyOf(objectives, position)) {
       Begin("key");
       AppendText(buffer_, *key, false);
       buffer_ += '"';
     }
     buffer_ += "/>\n";
     FlushFull();
+  }
+
+  // A host's own list is asked for what it says of itself, and not for what ours would have noted.
+  static bool IsHosts(const clsLmfObjectives& objectives) {
+    return typeid(objectives) != typeid(clsLmfObjectives);
+  }
+
+  static bool HasBuiltIn(const clsLmfObjectives& objectives) {
+    if (!IsHosts(objectives)) return objectives.HasBuiltIn();
+    return objectives.Count() > 0 && !KeyOf(objectives, 1) && objectives.Item(1)->Text() == u"(All Questions)";
+  }
+
+  static std::optional<String> KeyOf(const clsLmfObjectives& objectives, Long position) {
+    if (!IsHosts(objectives)) return objectives.KeyOf(position);
+    // A merge gives each its text as key.
+    String text = objectives.Item(position)->Text();
+    return objectives.Exists(text) ? std::optional<String>(std::move(text)) : std::nullopt;
   }
 
   void WriteQuestions(const clsLmfQuestions& questions) {
@@ -188,7 +208,10 @@ class Writer {
     AppendNumber(count);
     buffer_ += ':';
     std::string digits((count + 3) / 4, '\0');
-    for (Long i = flags.NextTrue(0); i != 0; i = flags.NextTrue(i)) {
+    const bool hosts = typeid(flags) != typeid(clsLmfObjectiveFlags);
+    for (Long i = hosts ? 1 : flags.NextTrue(0); hosts ? i <= flags.Count() : i != 0;
+         i = hosts ? i + 1 : flags.NextTrue(i)) {
+      if (hosts && !flags.Item(i)->Value()) continue;
       const std::size_t place = static_cast<std::size_t>(i) - 1 + flagsInFront_;
       digits[place / 4] = static_cast<char>(digits[place / 4] | 8 >> place % 4);
     }

@@ -44,7 +44,8 @@ bool clsLmf::Open(String sPath) {
 bool clsLmf::Save(String sPath) const {
   try {
     return WriteLmf(*this, sPath);
-  } catch (const std::bad_alloc&) {
+  } catch (const std::exception&) {
+    // Exhausted memory, or a failure of a host's own objects.
     return false;
   }
 }

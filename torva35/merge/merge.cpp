@@ -266,11 +266,11 @@ void FormMerge::AddFlags() {
   Need(output_->ObjectiveFlags()).AddFalse(count);
 }
 
-// The first objective with this text counts, and the table has thousands: it is read once.
+// The first objective with this text counts, but never the built-in one. The table has thousands: it is read once.
 void FormMerge::FindObjectives() {
   const Kept objectives(Ask(lmf_).Objectives());
   const Long count = Ask(objectives).Count();
-  for (Long k = 1; k <= count; ++k) {
+  for (Long k = objectives->HasBuiltIn() ? 2 : 1; k <= count; ++k) {
     objectives_.emplace(Fold(Ask(Kept(Ask(objectives).Item(k))).Text()), k);
   }
 }

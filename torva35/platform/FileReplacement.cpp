@@ -1,13 +1,19 @@
 #include "torva35/platform/FileReplacement.h"
 
+#include <dirent.h>
 #include <fcntl.h>
+#include <signal.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <atomic>
 #include <cerrno>
+#include <charconv>
 #include <cstdio>
 #include <cstdlib>
+#include <ctime>
+#include <functional>
 #include <memory>
 #include <utility>
 
@@ -16,10 +22,60 @@
 namespace TORVA35 {
 namespace {
 
-// Where a symbolic link leads, so that the link stays and its target is replaced.
-std::string Resolved(const std::string& path) {
-  const std::unique_ptr<char, decltype(&std::free)> real(::realpath(path.c_str(), nullptr), &std::free);
-  return real ? real.get() : path;
+constexpr std::string_view kEnding = ".tmp";
+
+// Where a symbolic link leads, so that the link stays and its target is replaced, or made.
+std::string Resolved(std::string path) {
+  constexpr int kMostLinks = 40;  // as the system follows
+  for (int i = 0; i < kMostLinks; ++i) {
+    const std::unique_ptr<char, decltype(&std::free)> real(::realpath(path.c_str(), nullptr), &std::free);
+    if (real) return real.get();
+    char target[4096];
+    const ssize_t size = readlink(path.c_str(), target, sizeof target);
+    if (size < 0 || size == static_cast<ssize_t>(sizeof target)) return path;
+    const std::size_t slash = target[0] == '/' ? path.npos : path.rfind('/');
+    path = (slash == path.npos ? std::string() : path.substr(0, slash + 1)) + std::string(target, size);
+  }
+  return path;
+}
+
+// A write beyond the largest size that a file may have fails, and does not end the process.
+class NoFileSizeSignal {
+ public:
+  NoFileSizeSignal() {
+    sigemptyset(&signal_);
+    sigaddset(&signal_, SIGXFSZ);
+    sigset_t pending;
+    sigpending(&pending);
+    wasPending_ = sigismember(&pending, SIGXFSZ) == 1;
+    pthread_sigmask(SIG_BLOCK, &signal_, &before_);
+  }
+  ~NoFileSizeSignal() {
+    const timespec now{};
+    while (!wasPending_ && sigtimedwait(&signal_, nullptr, &now) < 0 && errno == EINTR) continue;
+    pthread_sigmask(SIG_SETMASK, &before_, nullptr);
+  }
+  NoFileSizeSignal(const NoFileSizeSignal&) = delete;
+  NoFileSizeSignal& operator=(const NoFileSizeSignal&) = delete;
+
+ private:
+  sigset_t signal_;
+  sigset_t before_;
+  bool wasPending_;
+};
+
+// The process of a temporary file, by its name: "PREFIX-PROCESS-COUNT.tmp". 0 for a file that is none of this
+// prefix.
+pid_t ProcessOf(std::string_view name, std::string_view prefix) {
+  if (!name.starts_with(prefix) || !name.ends_with(kEnding)) return 0;
+  name.remove_prefix(prefix.size());
+  pid_t process = 0;
+  const auto [end, error] = std::from_chars(name.data(), name.data() + name.size(), process);
+  return error == std::errc() && end != name.data() + name.size() && *end == '-' ? process : 0;
+}
+
+bool IsGone(pid_t process) {
+  return process > 0 && kill(process, 0) != 0 && errno == ESRCH;
 }
 
 }  // namespace
@@ -41,30 +97,76 @@ bool FileReplacement::Begin(const std::string& path) {
   name_ = slash == path.npos ? path : path.substr(slash + 1);
   const std::string folder = slash == path.npos ? "." : path.substr(0, slash + 1);
   if (name_.empty()) return false;
-  folder_ = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  // Not to be read: a folder that may be written is enough.
+  folder_ = open(folder.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC);
   if (folder_ < 0) return false;
+  RemoveLeftovers();
 
   struct stat old;
-  if (fstatat(folder_, name_.c_str(), &old, AT_SYMLINK_NOFOLLOW) != 0) return errno == ENOENT && Create();
+  if (fstatat(folder_, name_.c_str(), &old, AT_SYMLINK_NOFOLLOW) != 0) return errno == ENOENT && Create(0666);
   // A device or a pipe would be gone for everybody.
-  if (!S_ISREG(old.st_mode) || faccessat(folder_, name_.c_str(), W_OK, AT_EACCESS) != 0 || !Create()) return false;
-  // Not everybody may give a file away; whoever cannot keeps it under his own name.
-  if (fchown(file_, old.st_uid, old.st_gid) != 0 && errno != EPERM) return false;
-  return fchmod(file_, old.st_mode & 07777) == 0;
+  if (!S_ISREG(old.st_mode) || faccessat(folder_, name_.c_str(), W_OK, AT_EACCESS) != 0) return false;
+  // At no time wider than the old one: until owner and group are those of the old file, only the saver's.
+  return Create(old.st_mode & 0600) && TakeOver(old.st_uid, old.st_gid, old.st_mode & 07777);
 }
 
-bool FileReplacement::Create() {
+// Not everybody may give a file away: then it stays the saver's, and where not even the group can be kept, another
+// group does not get what the old one had.
+bool FileReplacement::TakeOver(unsigned owner, unsigned group, unsigned mode) {
+  if (fchown(file_, owner, group) != 0) {
+    if (errno != EPERM) return false;
+    mode &= ~static_cast<unsigned>(S_ISUID);
+    if (fchown(file_, static_cast<uid_t>(-1), group) != 0) {
+      if (errno != EPERM) return false;
+      mode &= ~static_cast<unsigned>(S_IRWXG | S_ISGID);
+    }
+  }
+  mode_ = mode;
+  return true;
+}
+
+std::string FileReplacement::TemporaryPrefix() const {
+  // The name itself might leave no room for more.
+  return ".lmf-" + std::to_string(std::hash<std::string>()(name_)) + '-';
+}
+
+bool FileReplacement::Create(unsigned mode) {
   static std::atomic<unsigned> count{0};
   do {
-    std::string name = ".lmf-" + std::to_string(getpid()) + "-" + std::to_string(++count) + ".tmp";
-    file_ = openat(folder_, name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+    std::string name =
+        TemporaryPrefix() + std::to_string(getpid()) + '-' + std::to_string(++count) + std::string(kEnding);
+    file_ = openat(folder_, name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
     if (file_ >= 0) temporaryName_ = std::move(name);
     // What an ended process of the same number has left stays in its place.
   } while (file_ < 0 && errno == EEXIST);
+  // As a sign that somebody is at work, for those who do not see this process. Where there are no locks, its
+  // number is left.
+  if (file_ >= 0) flock(file_, LOCK_EX | LOCK_NB);
   return file_ >= 0;
 }
 
+// What saves of this file have left whose processes were killed.
+void FileReplacement::RemoveLeftovers() const {
+  const int readable = openat(folder_, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  if (readable < 0) return;
+  DIR* const entries = fdopendir(readable);
+  if (entries == nullptr) {
+    close(readable);
+    return;
+  }
+  const std::string prefix = TemporaryPrefix();
+  while (const dirent* entry = readdir(entries)) {
+    if (!IsGone(ProcessOf(entry->d_name, prefix))) continue;
+    const int file = openat(folder_, entry->d_name, O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
+    if (file < 0) continue;
+    if (flock(file, LOCK_EX | LOCK_NB) == 0) unlinkat(folder_, entry->d_name, 0);
+    close(file);
+  }
+  closedir(entries);
+}
+
 void FileReplacement::Write(std::string_view bytes) {
+  const NoFileSizeSignal quiet;
   while (!failed_ && !bytes.empty()) {
     const ssize_t written = write(file_, bytes.data(), bytes.size());
     if (written >= 0) bytes.remove_prefix(static_cast<std::size_t>(written));
@@ -73,15 +175,21 @@ void FileReplacement::Write(std::string_view bytes) {
 }
 
 bool FileReplacement::Commit() {
-  if (failed_ || fsync(file_) != 0) return false;
+  // Last, since a write may take the set-user-ID and the set-group-ID bit away.
+  if (failed_ || (mode_ && fchmod(file_, *mode_) != 0) || fsync(file_) != 0) return false;
   const int file = file_;
   file_ = -1;
   if (close(file) != 0) return false;
   if (renameat(folder_, temporaryName_.c_str(), folder_, name_.c_str()) != 0) return false;
   temporaryName_.clear();
-  // The name reaches the disk with the folder. Where the file system cannot do that for a folder, there is nothing
-  // left to do; where it fails, the new file is complete, and only its name might not survive a crash.
-  return fsync(folder_) == 0 || errno == EINVAL;
+  // The name reaches the disk with the folder. Where the folder may not be read, or the file system cannot do that
+  // for a folder, there is nothing left to do; where it fails, the new file is complete, and only its name might
+  // not survive a crash.
+  const int folder = openat(folder_, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  if (folder < 0) return errno == EACCES;
+  const bool synced = fsync(folder) == 0 || errno == EINVAL;
+  close(folder);
+  return synced;
 }
 
 }  // namespace TORVA35

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -8,8 +9,12 @@
 namespace TORVA35 {
 
 /// Writes a file that takes the place of another one in a single step: until `Commit` nobody sees it, and without
-/// a successful `Commit` nothing of it stays. Not kept: several names of the old file (hard links) and its
-/// access-control lists.
+/// a successful `Commit` nothing of it stays, but what a killed process has left, which the next save of the same
+/// file takes away. A symbolic link is followed, also one that leads to no file yet. The new file has owner, group
+/// and access rights of the old one as far as the system lets the saver give them, and is at no time open to more
+/// people. Not kept: several names of the old file (hard links) and its access-control lists.
+///
+/// A port promises the same of its system's files. A file that grows too large fails and does not end the process.
 class FileReplacement {
  public:
   /// Begins the new file beside the one of this path, which need not exist. `Commit` gives False when that fails.
@@ -28,12 +33,16 @@ class FileReplacement {
  private:
   FileReplacement() = default;
   bool Begin(const std::string& path);
-  bool Create();
+  bool Create(unsigned mode);
+  bool TakeOver(unsigned owner, unsigned group, unsigned mode);
+  void RemoveLeftovers() const;
+  std::string TemporaryPrefix() const;
 
   int folder_ = -1;
   int file_ = -1;
-  std::string name_;           // of the file that is replaced
-  std::string temporaryName_;  // empty when there is none
+  std::string name_;              // of the file that is replaced
+  std::string temporaryName_;     // empty when there is none
+  std::optional<unsigned> mode_;  // that the file gets at the end, where there is an old one
   bool failed_ = false;
 };
 
