@@ -81,8 +81,8 @@ struct Column {
 // column beside it: `Heads` has the rules for that.
 class Table {
  public:
-  Table(const std::vector<Column>& columns, const std::string& cssClass) : columns_(columns) {
-    html_ = "<div class=\"wide\"><table class=\"" + cssClass + "\">\n<thead><tr>";
+  Table(const std::vector<Column>& columns, const std::string& cssClass)
+      : columns_(columns), html_("<div class=\"wide\"><table class=\"" + cssClass + "\">\n<thead><tr>") {
     for (const Column& column : columns_) {
       html_ +=
           "<th scope=\"col\" class=\"" + std::string(column.cssClass) + "\">" + Escaped(column.head) + "</th>";

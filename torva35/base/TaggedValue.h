@@ -33,6 +33,7 @@ class TaggedValue {
   ///@{
   // By assignment: where memory runs out in the variant's copy constructor, g++ 12's library destroys what was not
   // made.
+  // cppcheck-suppress useInitializationList
   TaggedValue(const TaggedValue& other) { value_ = other.value_; }
   TaggedValue(TaggedValue&&) = default;
   TaggedValue& operator=(const TaggedValue&) = default;
