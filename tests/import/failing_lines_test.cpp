@@ -30,7 +30,7 @@ Recorder& Host() {
 // One for each way to fail.
 const Provoked kProvoked[] = {
     {"model/basPublic.cpp", "TextOf", [] { basPublic::CString(nullptr); }},
-    {"model/clsTORVATestStrings.cpp", "items_.Add", [] { New<clsTORVATestStrings>()->Add(u"", Null); }},
+    {"model/clsTORVATestStrings.cpp", "Own().Add", [] { New<clsTORVATestStrings>()->Add(u"", Null); }},
     {"model/clsTORVATestStrings.cpp", "UBound", [] { New<clsTORVATestStrings>()->AddArray({}); }},
     {"model/clsTORVATestSequences.cpp", "Count", [] { New<clsTORVATest>()->Sequences()->AddDefault(nullptr); }},
     {"model/clsTORVATests.cpp", "items_.Remove", [] { Inside::New<clsTORVATests>()->Remove(u"none"); }},

@@ -93,6 +93,74 @@ TEST_F(LmfImport, FieldsOfTestAndQuestion) {
   EXPECT_EQ(test->Sequences()->Item(1)->Answer(), u"A");
 }
 
+// What a list of objectives answers, before and after each kind of change, with the failures.
+String AnswersOf(const Ref<clsTORVATestStrings>& list) {
+  String answers;
+  const auto ask = [&](const Ref<clsTORVATestStrings>& of) {
+    answers += u"\n" + Decimal(of->Count()) + u": " + of->AsString(u"|");
+    for (const TaggedValue& index : std::vector<TaggedValue>{1, 2.6, 0, 9, u"ALPHA", u"", u"beta", Null}) {
+      answers += (of->Exists(index) ? u" <" : u" no <") + of->Item(index) + u">";
+    }
+    for (const String& text : of->AsArray()) answers += u" " + text;
+  };
+  const auto change = [&](const auto& what) {
+    const auto copy = list->Copy();
+    ask(copy);
+    what(*copy);
+    ask(copy);
+  };
+  ask(list);
+  change([](auto& copy) { copy.Remove(1); });
+  change([](auto& copy) { copy.Item(1, u"other"); });
+  list->Add(u"new", u"Beta");
+  ask(list);
+  list->Item(u"ALPHA", u"again");
+  list->Remove(2);
+  list->Add(u"first", u"k", 1);
+  ask(list);
+  list->RemoveAll();
+  ask(list);
+  return answers;
+}
+
+TEST_F(LmfImport, QuestionsThatShareObjectivesHaveListsOfTheirOwn) {
+  const std::vector<String> distinct = {u"Alpha", u"beta", String(60, u'x'), u""};
+  const std::vector<String> equal = {u" ALPHA ", u"Alpha", u"beta", u"a\tb", u"alpha", u"BETA"};
+  for (const auto& texts : {distinct, equal}) {
+    String answers[2];
+    for (const bool hosts : {false, true}) {
+      struct HostLmf : clsLmf {};  // whose objects are asked each time
+      lmf = hosts ? New<HostLmf>() : New<clsLmf>();
+      lmf->Prepare();
+      for (const String& text : texts) AddObjective(text);
+      for (Long i = 0; i < 3; ++i) {
+        const auto flags = Add({u"A", u"B"})->ObjectiveFlags();
+        for (Long k = 1; k <= flags->Count(); ++k) flags->Item(k)->Value(k % 3 != i);
+      }
+      ASSERT_TRUE(Build());
+      answers[hosts] += Decimal(test->NumObjectives());
+      const auto copy = test->Copy();
+      for (const auto& of : {test, copy}) {
+        for (Long i = 1; i <= 3; ++i) answers[hosts] += AnswersOf(of->Questions()->Item(i)->LearningObjectives());
+      }
+      answers[hosts] += FromUtf8(TakeFailures());
+    }
+    EXPECT_EQ(answers[false], answers[true]);
+    EXPECT_NE(answers[false].find(u"457"), String::npos);
+  }
+}
+
+TEST_F(LmfImport, ObjectivesBeyondTheLimitEndTheImport) {
+  lmf->Prepare();
+  for (Long k = 0; k < 5000; ++k) AddObjective(Decimal(k));
+  const auto from = Add({u"A", u"B"});
+  for (Long k = 2; k <= 5001; ++k) from->ObjectiveFlags()->Value(k, true);
+  while (lmf->Questions()->Count() < 3356) lmf->Questions()->Add(from);
+  EXPECT_FALSE(Build());
+  EXPECT_EQ(TakeFailures(), "14 basPublic.BuildTestFromLMF");
+  EXPECT_EQ(test->Questions()->Count(), 3355);
+}
+
 TEST_F(LmfImport, PositionsScalesAndMisplacedSubjectiveQuestions) {
   Add({u"a", u"b"});
   Add({}, {}, true, true)->SubjectivePoints(4);  // misplaced

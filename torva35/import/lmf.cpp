@@ -2,8 +2,11 @@
 
 #include <cmath>
 #include <limits>
+#include <memory>
 #include <typeinfo>
 #include <unordered_map>
+#include <utility>
+#include <vector>
 
 #include "torva35/base/Arithmetic.h"
 #include "torva35/base/Text.h"
@@ -77,19 +80,74 @@ Long NextTrue(const clsLmfObjectiveFlags& flags, Long k, Long count, CallSite at
   return 0;
 }
 
-// The first objective of a file is the built-in one, which is never taken over.
-void ReadObjectives(const clsLmfQuestion& from, const clsLmfObjectives& all, clsTORVATestStrings& objectives) {
-  const Long count = all.Count();
-  if (count < 2) return;
-  const Kept flags(from.ObjectiveFlags());
-  for (Long k = NextTrue(Ask(flags), 1, count); k != 0; k = NextTrue(*flags, k, count)) {
-    const String text(Trim(Ask(Kept(all.Item(k))).Text()));
-    if (!objectives.Exists(text)) objectives.Add(text, text);
-  }
+template <class Class, class T>
+bool IsOurs(const Ref<T>& object) {
+  return object != nullptr && typeid(*object) == typeid(Class);
 }
 
-Ref<clsTORVATestQuestion> ReadQuestion(const clsLmfQuestion& from, Long position,
-                                       const clsLmfObjectives& objectives) {
+// The objectives of a file's questions. The first objective of a file is the built-in one, which is never taken
+// over.
+class ObjectivesReader {
+ public:
+  explicit ObjectivesReader(const clsLmf& lmf) {
+    if (!AreOurs(lmf)) return;
+    const auto shared = std::make_shared<SharedTexts>();
+    const clsLmfObjectives& all = *lmf.Objectives();
+    for (Long k = 2; k <= all.Count(); ++k) shared->Add(String(Trim(all.Item(k)->Text())));
+    lastTaker_.resize(static_cast<std::size_t>(all.Count()));
+    shared_ = shared;
+  }
+
+  void Read(const clsLmfQuestion& from, const clsLmfObjectives& all, clsTORVATestStrings& objectives) {
+    const Long count = all.Count();
+    if (count < 2) return;
+    const Kept flags(from.ObjectiveFlags());
+    if (shared_ != nullptr) return Take(Ask(flags), count, objectives);
+    for (Long k = NextTrue(Ask(flags), 1, count); k != 0; k = NextTrue(*flags, k, count)) {
+      const String text(Trim(Ask(Kept(all.Item(k))).Text()));
+      if (!objectives.Exists(text)) objectives.Add(text, text);
+    }
+  }
+
+ private:
+  // 64 MiB of places.
+  static constexpr std::size_t kMostTaken = 16 << 20;
+
+  // A host's own objects are asked each time.
+  static bool AreOurs(const clsLmf& lmf) {
+    if (typeid(lmf) != typeid(clsLmf) || !IsOurs<clsLmfObjectives>(lmf.Objectives())) return false;
+    for (const auto& objective : *lmf.Objectives()) {
+      if (!IsOurs<clsLmfObjective>(objective)) return false;
+    }
+    for (const auto& question : *lmf.Questions()) {
+      if (!IsOurs<clsLmfQuestion>(question) || !IsOurs<clsLmfObjectiveFlags>(question->ObjectiveFlags()))
+        return false;
+    }
+    return true;
+  }
+
+  void Take(const clsLmfObjectiveFlags& flags, Long count, clsTORVATestStrings& objectives) {
+    auto selection = std::make_unique<SharedSelection>();
+    selection->all = shared_;
+    ++taker_;
+    for (Long k = NextTrue(flags, 1, count); k != 0; k = NextTrue(flags, k, count)) {
+      const auto place = static_cast<SharedTexts::Place>(k - 2);
+      if (std::exchange(lastTaker_[shared_->First(place)], taker_) != taker_) selection->places.push_back(place);
+    }
+    taken_ += selection->places.size();
+    if (taken_ > kMostTaken) Raise(kTooMuchText);
+    selection->places.shrink_to_fit();
+    Inside::Take(objectives, std::move(selection));
+  }
+
+  std::shared_ptr<const SharedTexts> shared_;  // null where objects of the file are a host's
+  std::vector<Long> lastTaker_;  // by the first place of a text: the last question that has it, from 1
+  Long taker_ = 0;
+  std::size_t taken_ = 0;
+};
+
+Ref<clsTORVATestQuestion> ReadQuestion(const clsLmfQuestion& from, Long position, const clsLmfObjectives& all,
+                                       ObjectivesReader& objectives) {
   // The lists are the question's, and nothing else holds a reference while the file's objects are asked.
   const Kept question(New<clsTORVATestQuestion>());
   clsTORVATestStrings& answers = Need(question->Answers());
@@ -115,7 +173,7 @@ Ref<clsTORVATestQuestion> ReadQuestion(const clsLmfQuestion& from, Long position
   }
   question->Reference(from.Reference());
   clsTORVATestStrings& itsObjectives = Need(question->LearningObjectives());
-  ReadObjectives(from, objectives, itsObjectives);
+  objectives.Read(from, all, itsObjectives);
   question->Topic(from.Topic());
   return question.Share();
 }
@@ -189,6 +247,7 @@ bool basPublic::BuildTestFromLMF(const Ref<clsTORVATest>& oTest, const Ref<clsLm
     oTest->Description(Ask(oLmf).Description());
     oTest->Notes(Ask(oLmf).Notes());
     oTest->Source(TORVATestSourceTypeLMF);
+    ObjectivesReader objectives(*oLmf);
     bool hasSubjective = false;
     const Long count = Ask(Kept(Ask(oLmf).Questions())).Count();
     for (Long i = 1; i <= count; ++i) {
@@ -196,7 +255,7 @@ bool basPublic::BuildTestFromLMF(const Ref<clsTORVATest>& oTest, const Ref<clsLm
       if (!Ask(from).Graded() && !Ask(from).Subjective()) continue;
       if (Ask(from).Subjective()) hasSubjective = true;
       Need(oTest->Questions());
-      const Kept question(ReadQuestion(*from, i, Ask(Kept(Ask(oLmf).Objectives()))));
+      const Kept question(ReadQuestion(*from, i, Ask(Kept(Ask(oLmf).Objectives())), objectives));
       Need(oTest->Questions()).Add(question.Share());
     }
     if (hasSubjective) RemoveMisplacedSubjective(Need(oTest->Questions()));

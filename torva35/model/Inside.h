@@ -6,6 +6,7 @@
 #include "torva35/base/Object.h"
 #include "torva35/base/TaggedValue.h"
 #include "torva35/base/Types.h"
+#include "torva35/model/SharedTexts.h"
 #include "torva35/model/clsTORVATestQuestions.h"
 #include "torva35/model/clsTORVATestStrings.h"
 
@@ -26,6 +27,7 @@ class Inside {
   static Long Count(const List& list) {
     return list.items_.Count();
   }
+  static Long Count(const clsTORVATestStrings& strings) { return strings.Size(); }
 
   /// As `Item`, without a boundary of its own.
   static Ref<clsTORVATestQuestion> Find(const clsTORVATestQuestions& questions, const TaggedValue& Index) {
@@ -42,6 +44,10 @@ class Inside {
     return questions.PositionOfID(Index);
   }
 
+  /// Adds texts with themselves as keys to an empty list.
+  static void Take(clsTORVATestStrings& strings, std::unique_ptr<SharedSelection> selection) {
+    strings.Take(std::move(selection));
+  }
   /// Adds the texts of a list as `Copy` of it does.
   static void AddCopies(clsTORVATestStrings& to, const clsTORVATestStrings& from) { to.AddCopies(from); }
   /// As `Copy` of the second set, with an empty one to put the numbers in.

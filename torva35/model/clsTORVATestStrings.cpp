@@ -1,16 +1,17 @@
 #include "torva35/model/clsTORVATestStrings.h"
 
+#include <algorithm>
 #include <utility>
 #include <vector>
 
 #include "torva35/base/Arithmetic.h"
 #include "torva35/base/Text.h"
 #include "torva35/errors/Reported.h"
+#include "torva35/model/SharedTexts.h"
 
 namespace TORVA35 {
 namespace {
 
-constexpr std::size_t kAddLimit = 50;
 constexpr std::size_t kLetLimit = 255;
 
 constexpr Location kInitialize(u"TORVA35 - clsTORVATestStrings.Class_Initialize");
@@ -25,18 +26,16 @@ constexpr Location kAsString(u"TORVA35 - clsTORVATestStrings.AsString");
 constexpr Location kAsArray(u"TORVA35 - clsTORVATestStrings.AsArray");
 constexpr Location kCopy(u"TORVA35 - clsTORVATestStrings.Copy");
 
-bool IsCopyable(StringView text) {
-  return text.size() <= kAddLimit && text.find(u'\t') == StringView::npos;
-}
-
 }  // namespace
 
 clsTORVATestStrings::clsTORVATestStrings() {
   ReportedConstruction(kInitialize, [] {});
 }
 
+clsTORVATestStrings::~clsTORVATestStrings() = default;
+
 Long clsTORVATestStrings::Count() const {
-  return Reported(kCount, Long{0}, [&](Long& result) { result = items_.Count(); });
+  return Reported(kCount, Long{0}, [&](Long& result) { result = Size(); });
 }
 
 bool clsTORVATestStrings::Add(String Item, const TaggedValue& Key, const TaggedValue& Before,
@@ -44,7 +43,7 @@ bool clsTORVATestStrings::Add(String Item, const TaggedValue& Key, const TaggedV
   return Reported(kAdd, false, [&](bool& result) {
     Item = Cut(std::move(Item), kAddLimit);
     holdsUncopyable_ |= !IsCopyable(Item);
-    items_.Add(std::move(Item), Key, Before, After);
+    Own().Add(std::move(Item), Key, Before, After);
     result = true;
   });
 }
@@ -66,14 +65,15 @@ bool clsTORVATestStrings::AddDelimitedString(const String& Items, const String& 
 
 bool clsTORVATestStrings::Remove(const TaggedValue& Index) {
   return Reported(kRemove, false, [&](bool& result) {
-    if (items_.Find(Index) == nullptr) return;
-    items_.Remove(Index);
+    if (Find(Index) == nullptr) return;
+    Own().Remove(Index);
     result = true;
   });
 }
 
 bool clsTORVATestStrings::RemoveAll() {
   return Reported(kRemoveAll, false, [&](bool& result) {
+    shared_.reset();
     for (Long i = items_.Count(); i >= 1; --i) items_.Remove(i);
     result = items_.Count() == 0;
   });
@@ -87,23 +87,23 @@ String clsTORVATestStrings::Item(const TaggedValue& Index) const {
 
 void clsTORVATestStrings::Item(const TaggedValue& Index, String sValue) {
   Reported(kItem, [&] {
-    if (items_.Find(Index) == nullptr) return;
+    if (Find(Index) == nullptr) return;
     sValue = Cut(std::move(sValue), kLetLimit);
     holdsUncopyable_ |= !IsCopyable(sValue);
-    items_.Add(std::move(sValue), Missing, Missing, Index);
+    Own().Add(std::move(sValue), Missing, Missing, Index);
     items_.Remove(Index);
   });
 }
 
 bool clsTORVATestStrings::Exists(const TaggedValue& Index) const {
-  return Silently(false, [&](bool& result) { result = items_.Find(Index) != nullptr; });
+  return Silently(false, [&](bool& result) { result = Find(Index) != nullptr; });
 }
 
 String clsTORVATestStrings::AsString(const String& sDelimiter) const {
   return Reported(kAsString, String(), [&](String& result) {
     String text;
-    const Long count = items_.Count();
-    for (Long i = 1; i <= count; ++i) text.append(*items_.Item(i).As<String>()).append(sDelimiter);
+    const Long count = Size();
+    for (Long i = 1; i <= count; ++i) text.append(*Find(i)).append(sDelimiter);
     if (!text.empty()) text.resize(text.size() - sDelimiter.size());
     result = std::move(text);
   });
@@ -111,12 +111,12 @@ String clsTORVATestStrings::AsString(const String& sDelimiter) const {
 
 Array<String> clsTORVATestStrings::AsArray(Long lLowerBound) const {
   return Reported(kAsArray, Array<String>(), [&](Array<String>& result) {
-    const Long count = items_.Count();
+    const Long count = Size();
     if (count == 0) return;
     CheckedAdd(count - 1, lLowerBound);  // the upper bound must be a Long
     std::vector<String> texts;
     texts.reserve(static_cast<std::size_t>(count));
-    for (Long i = 1; i <= count; ++i) texts.push_back(*items_.Item(i).As<String>());
+    for (Long i = 1; i <= count; ++i) texts.push_back(*Find(i));
     result = Array<String>(lLowerBound, std::move(texts));
   });
 }
@@ -130,21 +130,47 @@ Ref<clsTORVATestStrings> clsTORVATestStrings::Copy() const {
 }
 
 void clsTORVATestStrings::AddCopies(const clsTORVATestStrings& from) {
-  if (items_.Count() == 0 && from.CopiesAsItIs()) {
-    items_ = from.items_.CopyUnkeyed();  // what the way through a text comes to, for a tenth of the cost
-  } else {
+  if (Size() > 0 || !from.CopiesAsItIs()) {
     AddDelimitedString(from.AsString(u"\t"), u"\t");
+    return;
+  }
+  // What the way through a text comes to, for a tenth of the cost.
+  if (from.shared_ != nullptr) {
+    shared_ = std::make_unique<SharedSelection>(*from.shared_);
+    shared_->isKeyed = false;
+  } else {
+    items_ = from.items_.CopyUnkeyed();
   }
 }
 
 const String* clsTORVATestStrings::Find(const TaggedValue& Index) const {
+  if (shared_ != nullptr) return shared_->Find(Index);
   const TaggedValue* item = items_.Find(Index);
   return item == nullptr ? nullptr : item->As<String>();
 }
 
+Long clsTORVATestStrings::Size() const {
+  return shared_ != nullptr ? static_cast<Long>(shared_->places.size()) : items_.Count();
+}
+
+// The items, to be changed.
+Collection& clsTORVATestStrings::Own() {
+  if (shared_ != nullptr) {
+    items_ = shared_->ToCollection();
+    shared_.reset();
+  }
+  return items_;
+}
+
+// In the place of `Add` for each; the list is empty.
+void clsTORVATestStrings::Take(std::unique_ptr<SharedSelection> selection) {
+  holdsUncopyable_ = !selection->all->AreCopyable();
+  shared_ = std::move(selection);
+}
+
 bool clsTORVATestStrings::CopiesAsItIs() const {
   // The texts are joined by TAB, cut apart and added again; nothing to cut apart is an empty list.
-  return !holdsUncopyable_ && !(items_.Count() == 1 && items_.Item(1).As<String>()->empty());
+  return !holdsUncopyable_ && !(Size() == 1 && Find(1)->empty());
 }
 
 }  // namespace TORVA35

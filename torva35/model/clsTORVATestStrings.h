@@ -1,5 +1,7 @@
 #pragma once
 
+#include <memory>
+
 #include "torva35/base/Array.h"
 #include "torva35/base/Export.h"
 #include "torva35/base/Object.h"
@@ -9,11 +11,14 @@
 
 namespace TORVA35 {
 
+struct SharedSelection;
+
 /// A list of texts with optional keys: answers, objectives, the labels of a scale. Positions count from 1; an
 /// index that is a String is a key. Every failure is reported to the error object, never raised.
 class TORVA35_API clsTORVATestStrings : public Object {
  public:
   clsTORVATestStrings();
+  ~clsTORVATestStrings() override;
 
   /// Number of texts.
   Long Count() const;
@@ -62,10 +67,15 @@ class TORVA35_API clsTORVATestStrings : public Object {
   friend class Inside;
 
   const String* Find(const TaggedValue& Index) const;
+  Long Size() const;
+  Collection& Own();
+  void Take(std::unique_ptr<SharedSelection> selection);
   void AddCopies(const clsTORVATestStrings& from);
   bool CopiesAsItIs() const;
 
   Collection items_;
+  std::unique_ptr<SharedSelection>
+      shared_;                    // the texts until the first change, where the list began with some of them
   bool holdsUncopyable_ = false;  // or did: a text of more than 50 units or with a TAB
 };
 

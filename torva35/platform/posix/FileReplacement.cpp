@@ -34,7 +34,8 @@ std::string Resolved(std::string path) {
     const ssize_t size = readlink(path.c_str(), target, sizeof target);
     if (size < 0 || size == static_cast<ssize_t>(sizeof target)) return path;
     const std::size_t slash = target[0] == '/' ? path.npos : path.rfind('/');
-    path = (slash == path.npos ? std::string() : path.substr(0, slash + 1)) + std::string(target, size);
+    path = (slash == path.npos ? std::string() : path.substr(0, slash + 1)) +
+           std::string(target, static_cast<std::size_t>(size));
   }
   return path;
 }
