@@ -36,11 +36,15 @@ Method& Bind(const Ref<Object>& host, CallSite at) {
   return *method;
 }
 
+Ref<Object>*& OwnSlot() {
+  static thread_local Ref<Object>* slot = nullptr;
+  return slot;
+}
+
 }  // namespace
 
 Ref<Object>& goErr() {
-  static thread_local Ref<Object>* slot = nullptr;
-  return ThreadOwned(slot);
+  return ThreadOwned<OwnSlot>();
 }
 
 bool ReplaceErrorObject(Ref<Object> oErr) {

@@ -15,9 +15,13 @@ struct Hooks {
   MousePointerHook mousePointer;
 };
 
-Hooks& ThreadHooks() {
+Hooks*& OwnHooks() {
   static thread_local Hooks* hooks = nullptr;
-  return ThreadOwned(hooks);
+  return hooks;
+}
+
+Hooks& ThreadHooks() {
+  return ThreadOwned<OwnHooks>();
 }
 
 }  // namespace

@@ -1,7 +1,6 @@
 #pragma once
 
-#include <optional>
-#include <string>
+#include <memory>
 #include <string_view>
 
 #include "torva35/base/Types.h"
@@ -31,19 +30,8 @@ class FileReplacement {
   bool Commit();
 
  private:
-  FileReplacement() = default;
-  bool Begin(const std::string& path);
-  bool Create(unsigned mode);
-  bool TakeOver(unsigned owner, unsigned group, unsigned mode);
-  void RemoveLeftovers() const;
-  std::string TemporaryPrefix() const;
-
-  int folder_ = -1;
-  int file_ = -1;
-  std::string name_;              // of the file that is replaced
-  std::string temporaryName_;     // empty when there is none
-  std::optional<unsigned> mode_;  // that the file gets at the end, where there is an old one
-  bool failed_ = false;
+  class Work;  // the port's own
+  std::unique_ptr<Work> work_;
 };
 
 }  // namespace TORVA35

@@ -36,7 +36,7 @@ class InputFile {
   std::size_t ReadAt(std::int64_t offset, char* bytes, std::size_t size);
 
  private:
-  int file_ = -1;
+  std::intptr_t file_ = -1;  // the system's number of it, or -1
   std::int64_t size_ = 0;
   String problem_;
 };

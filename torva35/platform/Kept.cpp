@@ -12,6 +12,10 @@ using Slots = std::vector<Ref<const void>>;
 
 thread_local Slots* slots = nullptr;
 
+Slots*& OwnSlots() {
+  return slots;
+}
+
 }  // namespace
 
 constinit thread_local std::uint_least32_t statement = 0;
@@ -19,7 +23,7 @@ constinit thread_local std::uint_least32_t lastStatement = 0;
 
 std::size_t Take(Ref<const void> object) {
   if (object == nullptr) return kNone;
-  Slots& all = ThreadOwned(slots);
+  Slots& all = ThreadOwned<OwnSlots>();
   all.push_back(std::move(object));
   return all.size() - 1;
 }

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <memory>
-#include <utility>
+#include <type_traits>
 
 namespace TORVA35 {
 
@@ -9,17 +9,24 @@ namespace TORVA35 {
 /// first; the last one registered is released first. What other threads own at that time is left as it is.
 void AtThreadEnd(void (*release)(void* thing), void* thing);
 
-/// The thread's own T, made at its first use and destroyed as `AtThreadEnd` says.
-/// slot: a `thread_local` pointer, null at first. A `thread_local` T with a destructor would keep the shared
-/// library in memory until the last thread that has touched it ends, whatever the host closes.
-template <class T>
-T& ThreadOwned(T*& slot) {
-  if (slot == nullptr) {
+/// The thread's own T, made at its first use and destroyed as `AtThreadEnd` says: `ThreadOwned<OwnHooks>()`.
+/// slot: gives a `thread_local` pointer to T, null at first. It is asked anew when the thread ends, since on some
+/// systems its thread-local variables are gone by then, and null again. A `thread_local` T with a destructor would
+/// keep the shared library in memory until the last thread that has touched it ends, whatever the host closes.
+template <auto slot>
+auto& ThreadOwned() {
+  using T = std::remove_pointer_t<std::remove_reference_t<decltype(slot())>>;
+  if (slot() == nullptr) {
     auto fresh = std::make_unique<T>();
-    AtThreadEnd([](void* owner) { delete std::exchange(*static_cast<T**>(owner), nullptr); }, &slot);
-    slot = fresh.release();
+    AtThreadEnd(
+        [](void* thing) {
+          if (slot() == thing) slot() = nullptr;
+          delete static_cast<T*>(thing);
+        },
+        fresh.get());
+    slot() = fresh.release();
   }
-  return *slot;
+  return *slot();
 }
 
 }  // namespace TORVA35

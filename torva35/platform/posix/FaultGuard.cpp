@@ -328,6 +328,11 @@ class AlternateStack {
   std::size_t size_ = 0;
 };
 
+AlternateStack*& OwnAlternateStack() {
+  static thread_local AlternateStack* alternateStack = nullptr;
+  return alternateStack;
+}
+
 void FindStack() {
   pthread_attr_t attributes;
   if (pthread_getattr_np(pthread_self(), &attributes) != 0) return;
@@ -345,8 +350,7 @@ void FindStack() {
 
 void PrepareThread() {
   if (state.prepared) return;
-  static thread_local AlternateStack* alternateStack = nullptr;
-  ThreadOwned(alternateStack);
+  ThreadOwned<OwnAlternateStack>();
   FindStack();
   state.prepared = true;
 }

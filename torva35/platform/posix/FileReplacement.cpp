@@ -15,6 +15,8 @@
 #include <ctime>
 #include <functional>
 #include <memory>
+#include <optional>
+#include <string>
 #include <utility>
 
 #include "torva35/base/Text.h"
@@ -81,19 +83,57 @@ bool IsGone(pid_t process) {
 
 }  // namespace
 
+class FileReplacement::Work {
+ public:
+  explicit Work(const String& path);
+  ~Work();
+  Work(const Work&) = delete;
+  Work& operator=(const Work&) = delete;
+
+  void Write(std::string_view bytes);
+  bool Commit();
+
+ private:
+  Work() = default;
+  bool Begin(const std::string& path);
+  bool Create(unsigned mode);
+  bool TakeOver(unsigned owner, unsigned group, unsigned mode);
+  void RemoveLeftovers() const;
+  std::string TemporaryPrefix() const;
+
+  int folder_ = -1;
+  int file_ = -1;
+  std::string name_;              // of the file that is replaced
+  std::string temporaryName_;     // empty when there is none
+  std::optional<unsigned> mode_;  // that the file gets at the end, where there is an old one
+  bool failed_ = false;
+};
+
+FileReplacement::FileReplacement(const String& path) : work_(std::make_unique<Work>(path)) {}
+
+FileReplacement::~FileReplacement() = default;
+
+void FileReplacement::Write(std::string_view bytes) {
+  work_->Write(bytes);
+}
+
+bool FileReplacement::Commit() {
+  return work_->Commit();
+}
+
 // Through the other constructor, so that the destructor runs when this one is left by an exception.
-FileReplacement::FileReplacement(const String& path) : FileReplacement() {
+FileReplacement::Work::Work(const String& path) : Work() {
   // A path cannot hold a NUL; cut off there it would name another file.
   failed_ = path.find(u'\0') != path.npos || !Begin(Resolved(ToUtf8(path)));
 }
 
-FileReplacement::~FileReplacement() {
+FileReplacement::Work::~Work() {
   if (file_ >= 0) close(file_);
   if (!temporaryName_.empty()) unlinkat(folder_, temporaryName_.c_str(), 0);
   if (folder_ >= 0) close(folder_);
 }
 
-bool FileReplacement::Begin(const std::string& path) {
+bool FileReplacement::Work::Begin(const std::string& path) {
   const std::size_t slash = path.rfind('/');
   name_ = slash == path.npos ? path : path.substr(slash + 1);
   const std::string folder = slash == path.npos ? "." : path.substr(0, slash + 1);
@@ -113,7 +153,7 @@ bool FileReplacement::Begin(const std::string& path) {
 
 // Not everybody may give a file away: then it stays the saver's, and where not even the group can be kept, another
 // group does not get what the old one had.
-bool FileReplacement::TakeOver(unsigned owner, unsigned group, unsigned mode) {
+bool FileReplacement::Work::TakeOver(unsigned owner, unsigned group, unsigned mode) {
   if (fchown(file_, owner, group) != 0) {
     if (errno != EPERM) return false;
     mode &= ~static_cast<unsigned>(S_ISUID);
@@ -126,12 +166,12 @@ bool FileReplacement::TakeOver(unsigned owner, unsigned group, unsigned mode) {
   return true;
 }
 
-std::string FileReplacement::TemporaryPrefix() const {
+std::string FileReplacement::Work::TemporaryPrefix() const {
   // The name itself might leave no room for more.
   return ".lmf-" + std::to_string(std::hash<std::string>()(name_)) + '-';
 }
 
-bool FileReplacement::Create(unsigned mode) {
+bool FileReplacement::Work::Create(unsigned mode) {
   static std::atomic<unsigned> count{0};
   do {
     std::string name =
@@ -147,7 +187,7 @@ bool FileReplacement::Create(unsigned mode) {
 }
 
 // What saves of this file have left whose processes were killed.
-void FileReplacement::RemoveLeftovers() const {
+void FileReplacement::Work::RemoveLeftovers() const {
   const int readable = openat(folder_, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
   if (readable < 0) return;
   DIR* const entries = fdopendir(readable);
@@ -166,7 +206,7 @@ void FileReplacement::RemoveLeftovers() const {
   closedir(entries);
 }
 
-void FileReplacement::Write(std::string_view bytes) {
+void FileReplacement::Work::Write(std::string_view bytes) {
   const NoFileSizeSignal quiet;
   while (!failed_ && !bytes.empty()) {
     const ssize_t written = write(file_, bytes.data(), bytes.size());
@@ -175,7 +215,7 @@ void FileReplacement::Write(std::string_view bytes) {
   }
 }
 
-bool FileReplacement::Commit() {
+bool FileReplacement::Work::Commit() {
   // Last, since a write may take the set-user-ID and the set-group-ID bit away.
   if (failed_ || (mode_ && fchmod(file_, *mode_) != 0) || fsync(file_) != 0) return false;
   const int file = file_;

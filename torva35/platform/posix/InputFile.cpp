@@ -19,6 +19,10 @@ String Words(int error) {
   return FromUtf8(std::strerror(error));
 }
 
+int Descriptor(std::intptr_t file) {
+  return static_cast<int>(file);
+}
+
 }  // namespace
 
 InputFile::InputFile(const String& path) {
@@ -34,7 +38,7 @@ InputFile::InputFile(const String& path) {
   // Only a regular file says this: somebody is giving up a lease on it, which is worth waiting for.
   if (file_ < 0 && errno == EWOULDBLOCK) file_ = open(name.c_str(), kFlags);
   struct stat status;
-  if (file_ < 0 || fstat(file_, &status) != 0) {
+  if (file_ < 0 || fstat(Descriptor(file_), &status) != 0) {
     problem_ = errno == ENXIO ? kNotAFile : Words(errno);  // ENXIO: a socket, or a device that is not there
   } else if (!S_ISREG(status.st_mode)) {
     problem_ = S_ISDIR(status.st_mode) ? Words(EISDIR) : kNotAFile;
@@ -44,7 +48,7 @@ InputFile::InputFile(const String& path) {
 }
 
 InputFile::~InputFile() {
-  if (file_ >= 0) close(file_);
+  if (file_ >= 0) close(Descriptor(file_));
 }
 
 InputFile::InputFile(InputFile&& other) noexcept
@@ -53,7 +57,8 @@ InputFile::InputFile(InputFile&& other) noexcept
 std::size_t InputFile::ReadAt(std::int64_t offset, char* bytes, std::size_t size) {
   std::size_t done = 0;
   while (done < size && problem_.empty()) {
-    const ssize_t count = pread(file_, bytes + done, size - done, offset + static_cast<std::int64_t>(done));
+    const ssize_t count =
+        pread(Descriptor(file_), bytes + done, size - done, offset + static_cast<std::int64_t>(done));
     if (count == 0) break;
     if (count > 0) {
       done += static_cast<std::size_t>(count);
