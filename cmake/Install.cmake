@@ -43,6 +43,6 @@ set(CPACK_COMPONENT_RUNTIME_DESCRIPTION "${PROJECT_DESCRIPTION}: the shared libr
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libtorva35-dev)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS
-    "libtorva35-${torva35_soname} (= ${PROJECT_VERSION}), libexpat1-dev")
+    "libtorva35-${torva35_soname} (= ${PROJECT_VERSION}), libexpat1-dev, zlib1g-dev")
 set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION "${PROJECT_DESCRIPTION}: headers, static library and build packages")
 include(CPack)

@@ -109,7 +109,7 @@ class Assembly {
       oQuestion.NoResponsePoints(question.noResponsePoints);
     }
     oPage->Fields()->Add(oField);
-    const auto oForm = New<clsTemplate>();
+    auto oForm = New<clsTemplate>();
     oForm->Pages()->Add(oPage);
     return oForm;
   }

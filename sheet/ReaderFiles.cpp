@@ -1,7 +1,10 @@
+#include <zlib.h>
+
 #include <algorithm>
 #include <array>
 #include <cstdint>
 #include <map>
+#include <new>
 #include <set>
 #include <string>
 #include <tuple>
@@ -22,12 +25,8 @@ constexpr int kPictureHeight = 1754;
 // The picture of the corner mark, at that size: modules of six pixels, with a white rim of one module.
 constexpr int kModulePixels = 6;
 
-constexpr std::uint32_t Crc(std::string_view bytes, std::uint32_t crc = 0xFFFFFFFF) {
-  for (const char byte : bytes) {
-    crc ^= static_cast<unsigned char>(byte);
-    for (int bit = 0; bit < 8; ++bit) crc = crc >> 1 ^ (crc & 1 ? 0xEDB88320 : 0);
-  }
-  return crc;
+const Bytef* Bytes(const std::string& text) {
+  return reinterpret_cast<const Bytef*>(text.data());
 }
 
 std::string BigEndian(std::uint32_t number) {
@@ -37,26 +36,24 @@ std::string BigEndian(std::uint32_t number) {
 }
 
 std::string Chunk(const std::string& type, const std::string& content) {
-  return BigEndian(static_cast<std::uint32_t>(content.size())) + type + content + BigEndian(~Crc(type + content));
+  const std::string both = type + content;
+  return BigEndian(static_cast<std::uint32_t>(content.size())) + both +
+         BigEndian(static_cast<std::uint32_t>(crc32_z(0, Bytes(both), both.size())));
 }
 
-// A picture of grey values, not compressed: it is small.
+// A picture of grey values.
 std::string Png(int width, int height, const std::string& pixels) {
   std::string lines;
   for (int y = 0; y < height; ++y) {
     lines += '\0';
-    lines += pixels.substr(static_cast<std::size_t>(y * width), static_cast<std::size_t>(width));
+    lines += pixels.substr(static_cast<std::size_t>(y) * static_cast<std::size_t>(width),
+                           static_cast<std::size_t>(width));
   }
-  std::uint32_t low = 1, high = 0;
-  for (const char byte : lines) {
-    low = (low + static_cast<unsigned char>(byte)) % 65521;
-    high = (high + low) % 65521;
-  }
-  const auto size = static_cast<std::uint16_t>(lines.size());
-  std::string data = "\x78\x01\x01";
-  for (const int number : {size & 0xFF, size >> 8, ~size & 0xFF, ~size >> 8 & 0xFF})
-    data += static_cast<char>(number);
-  data += lines + BigEndian(high << 16 | low);
+  uLongf size = compressBound(lines.size());
+  std::string data(size, '\0');
+  if (compress(reinterpret_cast<Bytef*>(data.data()), &size, Bytes(lines), lines.size()) != Z_OK)
+    throw std::bad_alloc();
+  data.resize(size);
   const std::string header = BigEndian(static_cast<std::uint32_t>(width)) +
                              BigEndian(static_cast<std::uint32_t>(height)) + std::string("\x08\0\0\0\0", 5);
   return "\x89PNG\r\n\x1a\n" + Chunk("IHDR", header) + Chunk("IDAT", data) + Chunk("IEND", "");

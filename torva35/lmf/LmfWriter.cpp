@@ -1,4 +1,5 @@
-#include <array>
+#include <zlib.h>
+
 #include <charconv>
 #include <cmath>
 #include <cstdio>
@@ -247,23 +248,10 @@ class Writer {
   std::size_t flagsInFront_ = 0;  // of each question, for a built-in objective that the model lacks
 };
 
-constexpr std::array<std::uint32_t, 256> CrcTable() {
-  std::array<std::uint32_t, 256> table{};
-  for (std::uint32_t byte = 0; byte < table.size(); ++byte) {
-    std::uint32_t crc = byte;
-    for (int bit = 0; bit < 8; ++bit) crc = crc >> 1 ^ (crc & 1 ? 0xEDB88320 : 0);
-    table[byte] = crc;
-  }
-  return table;
-}
-
 }  // namespace
 
 std::uint32_t Crc32(std::uint32_t crc, std::string_view bytes) {
-  static constexpr auto kTable = CrcTable();
-  crc = ~crc;
-  for (const char byte : bytes) crc = crc >> 8 ^ kTable[(crc ^ static_cast<unsigned char>(byte)) & 0xFF];
-  return ~crc;
+  return static_cast<std::uint32_t>(crc32_z(crc, reinterpret_cast<const Bytef*>(bytes.data()), bytes.size()));
 }
 
 }  // namespace lmf_file
