@@ -24,7 +24,7 @@ bool counting = false;
 HeapUse use;
 std::int64_t alive = 0;
 
-// What a block really takes, so that what goes is what came: its usable size and the word in front of it.
+// What a block really takes, so that what goes is what came: its usable size and the word before it.
 std::int64_t SizeOf(void* memory) {
   return memory == nullptr ? 0 : static_cast<std::int64_t>(malloc_usable_size(memory) + sizeof(std::size_t));
 }

@@ -15,7 +15,7 @@ struct ExportShape {
 };
 
 /// A multiple-choice test of five answers a question, about 0.9 kB each: rich text, key, points and the other
-/// properties that an export carries, behind a head of preferences that nobody reads.
+/// properties that an export carries, after a head of preferences that nobody reads.
 std::string MakeExport(const ExportShape& shape);
 
 /// Writes it to a file; ends the process when that fails.

@@ -1,6 +1,6 @@
-// The program behind docs/guide.md: guide EXAMPLES_FOLDER DOCS_FOLDER. A region between two marks of one name is a
-// snippet of the guide, word for word (scripts/guide-snippets); what stands around it proves what the guide says
-// of it, and that the numbers in docs/errors.md are those of the library.
+// The program that docs/guide.md shows: guide EXAMPLES_FOLDER DOCS_FOLDER. A region between two marks of one name
+// is a snippet of the guide, word for word (scripts/guide-snippets); what stands around it proves what the guide
+// says of it, and that the numbers in docs/errors.md are those of the library.
 
 #include <unistd.h>
 
@@ -113,7 +113,7 @@ Ref<clsTemplateField> Field(const String& sName, Long lQuestions, bool bGraded,
   return oField;
 }
 
-// One page: the version mark in front, then the graded questions.
+// One page: the version mark first, then the graded questions.
 Ref<clsTemplate> MakeForm(Long lQuestions) {
   auto oPage = New<clsTemplatePage>();
   oPage->Fields()->Add(Field(u"Version", 1, false, {u"A", u"B", u"C"}));
@@ -331,7 +331,7 @@ void OtherOrders(MyErrorObject& err, const std::string& output) {
   Expect(oEngine->ValidTestVersions() && Reports(2));
   Expect(oEngine->RemoveInvalid() && oEngine->ValidTestVersions() && Reports(0));
 
-  // A version mark behind graded questions that are switched off.
+  // A version mark after graded questions that are switched off.
   const std::vector<String> letters = {u"A", u"B", u"C"};
   auto oPage = New<clsTemplatePage>();
   oPage->Fields()->Add(Field(u"Question", 3, true, letters));

@@ -252,7 +252,7 @@ class Assembly {
       }
       if (bubble > 0) answer.marks.push_back(bubble);
     }
-    // A key of which a part has no bubble can be met by nobody.
+    // No student can meet a key of which a part has no bubble.
     if (answer.all && answer.marks.size() < question.correct.size()) answer.marks.clear();
     std::sort(answer.marks.begin(), answer.marks.end());
     row.several = row.several || (answer.all && answer.marks.size() > 1);

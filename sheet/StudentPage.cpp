@@ -8,7 +8,7 @@
 namespace TORVA35::sheet {
 namespace {
 
-// Holds no "<" and no "&", so that it stands in XML as it is. --u is a tenth of a millimeter: on paper that long,
+// Holds no "<" and no "&", so that XML can hold it as it is. --u is a tenth of a millimeter: on paper that long,
 // on a wide screen as long as makes letters readable; on a narrow one the blocks leave their places and stand one
 // below the other. Places are translations, since those are not rounded to whole pixels.
 constexpr char kStyle[] = R"(

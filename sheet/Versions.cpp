@@ -211,8 +211,9 @@ bool NameVersions(const std::vector<Input>& inputs, const Options& options, cons
     source.test->Version(FromUtf8(source.name));
     if (sources.size() == 1) break;
     if (source.name.empty()) {
-      findings.Add(Severity::kError, "version-name", source.file,
-                   "the file names no version, so that nobody can mark which one it is; give the versions names");
+      findings.Add(
+          Severity::kError, "version-name", source.file,
+          "the file names no version, so that no student can mark which one it is; give the versions names");
       good = false;
       continue;
     }

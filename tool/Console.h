@@ -13,8 +13,8 @@ class Console {
   /// quiet: shows no dialogs, and of the findings those that make the run fail; strict: warnings do.
   Console(bool quiet, bool strict) : quiet_(quiet), strict_(strict) {}
 
-  /// Shows a dialog and returns the position of the button that was chosen; the first one where nobody can be
-  /// asked.
+  /// Shows a dialog and returns the position of the button that was chosen; the first one where there is no
+  /// terminal to ask at.
   int Ask(const TORVA35::sheet::Dialog& dialog);
 
   /// Shows how far the work is, on a terminal.

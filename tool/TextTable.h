@@ -9,8 +9,8 @@
 
 namespace tool {
 
-/// Columns of the terminal behind standard output; 0, which stands for no limit, where it is no terminal. The
-/// variable COLUMNS overrules both.
+/// Columns of the terminal that standard output goes to; 0, which stands for no limit, where it is no terminal.
+/// The variable COLUMNS overrules both.
 std::size_t OutputWidth();
 
 /// The text for one line of a terminal: control characters, which a file could use to take the terminal over,

@@ -11,7 +11,7 @@ namespace TORVA35 {
 /// Counted text of 16-bit units (UTF-16, but nothing requires the units to pair up). A limit of n characters
 /// counts these units. An unset String is the empty one.
 using String = std::u16string;
-/// A String, or a part of one, that somebody else holds.
+/// A String, or a part of one, that is held elsewhere.
 using StringView = std::u16string_view;
 
 using Integer = std::int16_t;  ///< 16-bit signed

@@ -12,10 +12,10 @@ class TORVA35_API HasRaiseError {
   virtual ~HasRaiseError() = default;
 
   /// vNumber: the failure's number. sDescription: its text. sLocation: the member that failed, with "; Line: " and
-  /// the failing statement's line behind it where one is known. The arguments without a name always have the value
-  /// in the comment beside them. Changes to the arguments are not read back.
-  /// Returns a value that converts to an Integer; nothing reads it. What this method throws, or a result that does
-  /// not convert, ends in a message box of the library's own.
+  /// followed by the failing statement's line where one is known. The arguments without a name always have the
+  /// value in the comment beside them. Changes to the arguments are not read back. Returns a value that converts
+  /// to an Integer; nothing reads it. What this method throws, or a result that does not convert, ends in a
+  /// message box of the library's own.
   virtual TaggedValue RaiseError(TaggedValue& vNumber, Long& /* 0 */, String& sDescription, String& sLocation,
                                  String& /* empty */, String& /* empty */, String& /* empty */,
                                  String& /* empty */, Long& /* 1 */, String& /* empty */, String& /* empty */,

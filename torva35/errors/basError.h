@@ -17,7 +17,7 @@ TORVA35_API Ref<Object>& goErr();
 /// it may report while it goes. Whether `goErr` holds one now.
 bool ReplaceErrorObject(Ref<Object> oErr);
 
-/// Passes a failure on to `RaiseError` of `goErr`, with "; Line: " and the line behind the location when the line
+/// Passes a failure on to `RaiseError` of `goErr`, with "; Line: " and the line after the location when the line
 /// is above 0. Without an error object it shows a message box, and another one when the error object itself fails.
 /// Never throws. Returns the error object's result as an Integer, or 0 after a message box.
 TORVA35_API Integer ReportError(Long lLine, TaggedValue vNumber, Long lArgument3, String sDescription,

@@ -4,8 +4,8 @@
 #include "torva35/base/Types.h"
 #include "torva35/platform/FaultGuard.h"
 
-/// Turns a processor fault inside a member into a failure like any other, with a number and a name. What a host
-/// has to know of the way back from a fault stands in platform/FaultGuard.h.
+/// Turns a processor fault inside a member into a failure like any other, with a number and a name. See
+/// platform/FaultGuard.h for what a host has to know of the way back from a fault.
 namespace TORVA35::modvbCodeShieldSupport {
 
 /// Registers `vbcsExceptionFilter` for the process and prepares the calling thread. Does nothing when called again

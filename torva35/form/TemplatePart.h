@@ -8,8 +8,8 @@ namespace TORVA35 {
 
 class clsTemplate;
 
-/// Everything that stands in a form. A part knows what it stands in, so that a question can be numbered, but does
-/// not keep it alive. A part that was added in several places counts where it was added last.
+/// A part of a form. It knows the part that holds it, so that a question can be numbered, but does not keep it
+/// alive. A part that was added in several places belongs to the last one.
 class TORVA35_API TemplatePart : public Object {
  protected:
   TemplatePart() = default;
@@ -21,12 +21,12 @@ class TORVA35_API TemplatePart : public Object {
     if (holder_ != nullptr) holder_->StructureChanged();
   }
 
-  /// Enters a part into this one; it stands here from now on.
+  /// Makes this part the holder of another one.
   void Hold(TemplatePart& part) {
     part.holder_ = this;
     StructureChanged();
   }
-  /// The part stands here no longer, unless it stands elsewhere already.
+  /// Ends that, unless the part has another holder by now.
   void LetGo(TemplatePart& part) {
     if (part.holder_ == this) part.holder_ = nullptr;
   }

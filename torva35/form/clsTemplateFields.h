@@ -42,7 +42,7 @@ class TORVA35_API clsTemplateField : public TemplatePart {
   virtual bool Subjective() const { return settings_.subjective; }
   virtual void Subjective(bool bSubjective) { settings_.subjective = bSubjective; }
 
-  /// A new field, equal in everything and with questions of its own, that stands in no form.
+  /// A new field, equal in everything and with questions of its own, that belongs to no form.
   virtual Ref<clsTemplateField> Copy() const;
 
  private:

@@ -14,7 +14,7 @@ class TORVA35_API clsTemplatePage : public TemplatePart {
   /// The fields, in the order in which their questions are numbered; the page's own list.
   virtual Ref<clsTemplateFields> Fields() const { return fields_; }
 
-  /// A new page with fields of its own, equal in everything, that stands in no form.
+  /// A new page with fields of its own, equal in everything, that belongs to no form.
   virtual Ref<clsTemplatePage> Copy() const;
 
  private:

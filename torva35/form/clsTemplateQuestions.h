@@ -64,8 +64,8 @@ class TORVA35_API clsTemplateQuestion : public TemplatePart {
   virtual void Values(Ref<clsTemplateStrings> oValues) { values_ = std::move(oValues); }
 
   /// The number that was set, or else the position among the output questions that a merge of this form makes: a
-  /// field that the merge skips has the number of the question in front of it. 0 for a question without a number
-  /// of its own that stands in no form, or whose form is gone. The argument has no effect. Constant time as long
+  /// field that the merge skips has the number of the question before it. 0 for a question without a number
+  /// of its own that belongs to no form, or whose form is gone. The argument has no effect. Constant time as long
   /// as no page, field or question is added and no `GroupID` changes.
   virtual Long Number(bool, CallSite at = CallSite::Current()) const;
   /// Sets the number. A template, so that the argument of the getter cannot be taken for one.
@@ -74,7 +74,7 @@ class TORVA35_API clsTemplateQuestion : public TemplatePart {
     settings_.number = Long{lNumber};
   }
 
-  /// A new question, equal in everything and with lists of its own, that stands in no form.
+  /// A new question, equal in everything and with lists of its own, that belongs to no form.
   virtual Ref<clsTemplateQuestion> Copy() const;
 
  private:

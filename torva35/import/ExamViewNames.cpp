@@ -62,7 +62,7 @@ ExamViewName ExamViewNames::Of(const IXMLDOMNode& node, Known& known, String (IX
   if (known.empty()) known.resize(node.NameCount() + std::size_t{1}, ExamViewName::kNone);
   ExamViewName& entry = known[id];
   if (entry == ExamViewName::kNone) {
-    // An element whose name ends in a colon has no name behind its prefix.
+    // An element whose name ends in a colon has no name after its prefix.
     const String lowered = Lower((node.*name)());
     entry = lowered.empty() ? ExamViewName::kNone : LookUp(lowered);
   }

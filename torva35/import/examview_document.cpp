@@ -14,10 +14,9 @@ constexpr Location kPopulateScales(u"TORVA35 - clsTORVATest.PopulateMultipleChoi
 constexpr Long kPartialCreditStyle = 290;
 constexpr const char16_t* kPartialCreditTitle = u"Partial Credit";
 constexpr const char16_t* kPartialCreditText =
-    u"Warning: One or more test questions allow partial credit; however, partial credit is not supported. All "
-    u"imported "
-    u"test questions will require that all correct answers be selected in order for the response to be considered "
-    u"correct.";
+    u"Warning: One or more test questions allow partial credit; however, partial credit is not supported. "
+    u"All imported test questions will require that all correct answers be selected in order "
+    u"for the response to be considered correct.";
 
 // The two replies that mean that the user cancelled.
 constexpr Double kReplyNo = 7;

@@ -65,7 +65,7 @@ void ReadAnswerKey(const clsLmfQuestion& from, const clsTORVATestStrings& answer
   }
 }
 
-// Position of the next True flag behind k, at most `count`, or 0. A flag that is missing up to there is raised.
+// Position of the next True flag after k, at most `count`, or 0. A flag that is missing up to there is raised.
 Long NextTrue(const clsLmfObjectiveFlags& flags, Long k, Long count, CallSite at = CallSite::Current()) {
   // A host's own flags are asked one by one, ours as packed bits.
   if (typeid(flags) != typeid(clsLmfObjectiveFlags)) {

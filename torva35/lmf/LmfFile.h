@@ -13,8 +13,8 @@ namespace TORVA35 {
 /// Writes the model to a file. False when that fails, and then an old file stays as it was.
 bool WriteLmf(const clsLmf& oLmf, const String& sPath);
 
-/// Reads a file into an empty model. False when the file cannot be read or is no good LMF file; the model may then
-/// have received a part of it.
+/// Reads a file into an empty model. False when the file cannot be read or is not a valid LMF file; the model may
+/// then hold a part of it.
 bool ReadLmf(const String& sPath, clsLmf& oLmf);
 
 namespace lmf_file {
@@ -26,7 +26,7 @@ constexpr std::string_view kCheckBegin = "<check crc32=\"";
 constexpr std::string_view kCheckEnd = "\"/></lmf>";
 constexpr std::size_t kCheckDigits = 8;
 
-/// The CRC-32 of the bytes in front, carried on over these bytes. Begins with 0.
+/// The CRC-32 of the bytes so far, carried on over these. Begins with 0.
 std::uint32_t Crc32(std::uint32_t crc, std::string_view bytes);
 
 template <class T>

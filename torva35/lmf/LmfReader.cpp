@@ -65,7 +65,7 @@ bool Parse(std::string_view text, clsLmfObjectiveFlags& flags) {
   const std::size_t colon = text.find(':');
   if (colon == text.npos || !Parse(text.substr(0, colon), count) || count < 0) return false;
   const std::string_view digits = text.substr(colon + 1);
-  // Looked at before the flags are made: a count that lies makes none.
+  // Checked before the flags are made: a wrong count makes none.
   if (digits.size() != (static_cast<std::size_t>(count) + 3) / 4) return false;
   flags.AddFalse(count);
   for (std::size_t i = 0; i < digits.size(); ++i) {
@@ -95,7 +95,7 @@ bool Parse(std::string_view text, clsLmfSequence& sequence) {
   return true;
 }
 
-/// Takes the tree of a file apart, strictly: what the format does not know makes the file no good.
+/// Takes the tree of a file apart, strictly: a file with anything that the format does not know is refused.
 class Reader {
  public:
   explicit Reader(clsLmf& lmf) : lmf_(lmf) {}
@@ -303,8 +303,7 @@ class CrcOfFirst {
 }  // namespace
 }  // namespace lmf_file
 
-// What the checksum is compared with are the bytes that are parsed: whoever writes the file in the meantime cannot
-// put others in their place.
+// The checksum is compared with the very bytes that are parsed, whatever happens to the file in the meantime.
 bool ReadLmf(const String& sPath, clsLmf& oLmf) {
   using namespace lmf_file;
   InputFile file(sPath);

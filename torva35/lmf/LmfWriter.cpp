@@ -16,7 +16,7 @@ namespace TORVA35 {
 namespace lmf_file {
 namespace {
 
-constexpr std::size_t kBuffer = 1 << 16;
+constexpr std::size_t kBufferBytes = 1 << 16;
 
 bool IsLead(char16_t unit) {
   return unit >= 0xD800 && unit <= 0xDBFF;
@@ -59,7 +59,7 @@ void AppendText(std::string& out, StringView text, bool inList) {
 
 class Writer {
  public:
-  explicit Writer(const String& path) : file_(path) { buffer_.reserve(2 * kBuffer); }
+  explicit Writer(const String& path) : file_(path) { buffer_.reserve(2 * kBufferBytes); }
 
   bool Write(const clsLmf& lmf) {
     buffer_ += "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<lmf version=\"";
@@ -80,8 +80,8 @@ class Writer {
  private:
   void WriteObjectives(const clsLmfObjectives& objectives) {
     buffer_ += "<objectives>\n";
-    flagsInFront_ = HasBuiltIn(objectives) ? 0 : 1;
-    if (flagsInFront_ > 0) {
+    flagsBefore_ = HasBuiltIn(objectives) ? 0 : 1;
+    if (flagsBefore_ > 0) {
       clsLmfObjectives builtIn;
       builtIn.AddBuiltIn();
       WriteObjective(builtIn, 1);
@@ -204,7 +204,7 @@ class Writer {
   }
   void Attribute(std::string_view name, const clsLmfObjectiveFlags& flags) {
     if (flags.Count() == 0) return;
-    const std::size_t count = static_cast<std::size_t>(flags.Count()) + flagsInFront_;
+    const std::size_t count = static_cast<std::size_t>(flags.Count()) + flagsBefore_;
     Begin(name);
     AppendNumber(count);
     buffer_ += ':';
@@ -213,7 +213,7 @@ class Writer {
     for (Long i = hosts ? 1 : flags.NextTrue(0); hosts ? i <= flags.Count() : i != 0;
          i = hosts ? i + 1 : flags.NextTrue(i)) {
       if (hosts && !flags.Item(i)->Value()) continue;
-      const std::size_t place = static_cast<std::size_t>(i) - 1 + flagsInFront_;
+      const std::size_t place = static_cast<std::size_t>(i) - 1 + flagsBefore_;
       digits[place / 4] = static_cast<char>(digits[place / 4] | 8 >> place % 4);
     }
     for (const char digit : digits) buffer_ += "0123456789abcdef"[static_cast<unsigned char>(digit)];
@@ -234,7 +234,7 @@ class Writer {
   }
 
   void FlushFull() {
-    if (buffer_.size() >= kBuffer) Flush();
+    if (buffer_.size() >= kBufferBytes) Flush();
   }
   void Flush() {
     crc_ = Crc32(crc_, buffer_);
@@ -245,7 +245,7 @@ class Writer {
   FileReplacement file_;
   std::string buffer_;
   std::uint32_t crc_ = 0;
-  std::size_t flagsInFront_ = 0;  // of each question, for a built-in objective that the model lacks
+  std::size_t flagsBefore_ = 0;  // of each question, for a built-in objective that the model lacks
 };
 
 }  // namespace

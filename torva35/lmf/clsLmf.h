@@ -37,7 +37,7 @@ class TORVA35_API clsLmf : public Object {
   virtual Long PageCount() const { return pageCount_; }
   virtual void PageCount(Long lCount) { pageCount_ = lCount; }
 
-  /// Puts the built-in objective "(All Questions)" in front of the objectives, unless it stands there. Called
+  /// Puts the built-in objective "(All Questions)" before the objectives, unless it is there already. Called
   /// before any objective or question is added, since the flags of the questions go by position. Returns 0.
   virtual Integer Prepare();
   /// Empties the model: all lists, texts and numbers, and the built-in objective. The lists stay the same objects.
@@ -50,8 +50,9 @@ class TORVA35_API clsLmf : public Object {
   /// reaches the disk, and takes its place. False when anything fails, and then an old file stays as it was; so it
   /// does when it may not be written or is no regular file. (Where only the new name fails to reach the disk, the
   /// new file is in place.) A symbolic link is followed. An existing file keeps its access rights. A model whose
-  /// objectives lack the built-in one gets it in the file, and the flags of its questions one False in front. A
-  /// process that ends in the middle may leave a file ".lmf-...tmp" beside the old one, which is nobody's.
+  /// objectives lack the built-in one gets it in the file, and the flags of its questions one False before the
+  /// others. A process that ends in the middle may leave a file ".lmf-...tmp" beside the old one; the next save
+  /// removes it.
   virtual bool Save(String sPath) const;
 
  private:

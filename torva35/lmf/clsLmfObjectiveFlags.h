@@ -15,7 +15,7 @@ namespace TORVA35 {
 
 /// Flags as packed bits, at places from 0. For the library itself.
 struct PackedFlags {
-  /// The flag at a place in front of `count`.
+  /// The flag at a place, from 0 to `count` - 1.
   bool Get(std::size_t place) const { return (words[place / 64] >> place % 64 & 1) != 0; }
   /// Likewise.
   void Set(std::size_t place, bool value) {
@@ -63,7 +63,7 @@ class TORVA35_API clsLmfObjectiveFlags : public Object {
   /// The value of a flag, without a handle for it.
   bool Value(Long lPosition, CallSite at = CallSite::Current()) const;
   void Value(Long lPosition, bool bValue, CallSite at = CallSite::Current());
-  /// Position of the first True flag behind lPosition, which may be 0 to begin with; 0 when there is none.
+  /// Position of the first True flag after lPosition, which may be 0 to begin with; 0 when there is none.
   Long NextTrue(Long lPosition) const;
 
   /// Handles that were handed out keep the flags that they had.

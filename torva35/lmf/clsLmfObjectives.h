@@ -33,9 +33,9 @@ class TORVA35_API clsLmfObjectives : public ObjectList<clsLmfObjective> {
   /// True when the list has an objective with this key. Raises 13 for a key that is no String.
   virtual bool Exists(const TaggedValue& Key, CallSite at = CallSite::Current()) const;
 
-  /// Puts the built-in objective in front, unless it stands there.
+  /// Puts the built-in objective first, unless it is there already.
   void AddBuiltIn();
-  /// Whether it stands there.
+  /// Whether it is there.
   bool HasBuiltIn() const { return hasBuiltIn_; }
   /// The key that the objective at a position was added with, or nothing. Raises like `Item`.
   std::optional<String> KeyOf(Long lPosition, CallSite at = CallSite::Current()) const;

@@ -29,8 +29,8 @@ class TORVA35_API clsLmfSequences : public ObjectList<clsLmfSequence> {
  public:
   /// Appends the sequence itself, not a copy. Raises 91 when there is none.
   virtual void Add(Ref<clsLmfSequence> oSequence, CallSite at = CallSite::Current());
-  /// Puts the natural order over lCount questions in front as the first sequence. Returns True. Raises 5 for a
-  /// negative count.
+  /// Puts the natural order over lCount questions before the others, as the first sequence. Returns True. Raises 5
+  /// for a negative count.
   virtual bool AddDefault(Long lCount, CallSite at = CallSite::Current());
   /// Empties the list.
   void RemoveAll() { items_.clear(); }

@@ -12,7 +12,7 @@
 namespace TORVA35 {
 
 /// One call of `Merge`, from the copied form on. Its steps raise; the member that runs them reports. All that the
-/// walk over the form holds stands in this object, which outlives a fault of a host's object: its steps keep no
+/// walk over the form holds is in this object, which outlives a fault of a host's object: its steps keep no
 /// references in locals while they call what may be a host's.
 class FormMerge {
  public:

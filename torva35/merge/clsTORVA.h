@@ -28,7 +28,7 @@ class TORVA35_API clsTORVA : public Object, public std::enable_shared_from_this<
   Ref<clsTemplate> TemplateIn() const { return templateIn_; }
   void TemplateIn(Ref<clsTemplate> oValue) { templateIn_ = std::move(oValue); }
   /// The merged form; nothing at first. It must hold some form before `Merge`, which empties that object and then
-  /// puts another one here. So it is neither the form of `TemplateIn` nor a result that somebody still wants.
+  /// puts another one here. So it is neither the form of `TemplateIn` nor a result that is still wanted.
   Ref<clsTemplate> TemplateOut() const { return templateOut_; }
   void TemplateOut(Ref<clsTemplate> oValue) { templateOut_ = std::move(oValue); }
   /// The tests: the master test first, then its versions. An empty list at first.
@@ -39,7 +39,7 @@ class TORVA35_API clsTORVA : public Object, public std::enable_shared_from_this<
   void MIVLMF(Ref<clsLmf> oValue) { lmf_ = std::move(oValue); }
 
   /// Takes out of every test, in place, the questions that a form cannot grade (all but true/false, yes/no,
-  /// multiple choice and subjective ones), and those behind the first lMaxQuestions when that is above 0. A test
+  /// multiple choice and subjective ones), and those after the first lMaxQuestions when that is above 0. A test
   /// that lost a question is left with one version, the default one, under the test's `Version`. Returns False
   /// when a test has no question left, or on a failure (as for a lMaxQuestions of 2147483647, which overflows);
   /// later tests are then as they were.
@@ -63,8 +63,8 @@ class TORVA35_API clsTORVA : public Object, public std::enable_shared_from_this<
   bool ValidTestVersions();
 
   /// Position, from 1, among the questions of `MIVLMF`, of the question whose labels are the version identifiers;
-  /// 0 at first. `Merge` lowers it by the questions in front of it that stop being graded, although these stay in
-  /// `MIVLMF`: let the question stand in front of all graded ones, and set this before each merge.
+  /// 0 at first. `Merge` lowers it by the questions before it that stop being graded, although these stay in
+  /// `MIVLMF`: let the question come before all graded ones, and set this before each merge.
   Long SequenceQuestion() const { return sequenceQuestion_; }
   void SequenceQuestion(Long lValue) { sequenceQuestion_ = lValue; }
 

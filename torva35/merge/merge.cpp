@@ -1,5 +1,5 @@
-// A merge from its checks to the last subjective question. All of it stands in one file, and reports as one
-// member: a line tells which statement failed.
+// A merge from its checks to the last subjective question. All of it is in one file and reports as one
+// member, so that a line tells which statement failed.
 
 #include "torva35/base/Arithmetic.h"
 #include "torva35/base/Text.h"
@@ -25,21 +25,18 @@ constexpr const char16_t* kEmptyTemplate =
     u"Operation aborted.";
 constexpr const char16_t* kEmptyTest =
     u"An error occurred merging the specified template and test. The test does not contain any questions. "
-    u"Operation "
-    u"aborted.";
+    u"Operation aborted.";
 constexpr const char16_t* kMoreGraded =
-    u"An error occurred merging the test with the specified template. The test contains more graded questions "
-    u"than "
-    u"the specified template. Operation aborted.";
+    u"An error occurred merging the test with the specified template. "
+    u"The test contains more graded questions than the specified template. Operation aborted.";
 constexpr const char16_t* kOtherGraded =
-    u"An error occurred merging the test with the specified template. The test contains a different number of "
-    u"graded "
-    u"questions than the specified template. Operation aborted.";
+    u"An error occurred merging the test with the specified template. "
+    u"The test contains a different number of graded questions than the specified template. Operation aborted.";
 
 constexpr const char16_t* kTooManyAnswers =
-    u"An error occurred merging the test with the specified template. One or more questions from the test "
-    u"contains "
-    u"more possible answers than are present in the specified template. Operation aborted.";
+    u"An error occurred merging the test with the specified template. "
+    u"One or more questions from the test contains more possible answers than are present in "
+    u"the specified template. Operation aborted.";
 
 }  // namespace
 

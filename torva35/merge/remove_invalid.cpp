@@ -15,12 +15,11 @@ namespace {
 constexpr Location kRemoveInvalid(u"TORVA35 - clsTORVA.RemoveInvalid");
 
 constexpr const char16_t* kInvalidFile =
-    u"An error occurred while removing invalid question types from the file. The file is invalid. Operation "
-    u"aborted.";
+    u"An error occurred while removing invalid question types from the file. The file is invalid. "
+    u"Operation aborted.";
 constexpr const char16_t* kTypesRemoved =
-    u"Warning: The file contains one or more question types that are not supported. The unsupported question "
-    u"types "
-    u"were removed.";
+    u"Warning: The file contains one or more question types that are not supported. "
+    u"The unsupported question types were removed.";
 constexpr const char16_t* kNoneSupported =
     u"An error occurred importing the test. The file does not contain any supported questions.";
 constexpr const char16_t* kTooMany =

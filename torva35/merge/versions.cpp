@@ -32,25 +32,23 @@ constexpr const char16_t* kTypesScrambled =
 // Likewise for ValidTestVersions.
 constexpr const char16_t* kInvalidTestVersions = u"Invalid Test Versions";
 constexpr const char16_t* kCountDiffers =
-    u"An error occurred validating the additional test versions. An additional test contains a different number "
-    u"of "
-    u"questions from the original. Operation aborted.";
+    u"An error occurred validating the additional test versions. "
+    u"An additional test contains a different number of questions from the original. Operation aborted.";
 constexpr const char16_t* kQuestionMissing =
-    u"An error occurred validating the additional test versions. An additional test does not contain the same set "
-    u"of "
-    u"questions. Operation aborted.";
+    u"An error occurred validating the additional test versions. "
+    u"An additional test does not contain the same set of questions. Operation aborted.";
 constexpr const char16_t* kAnswersDiffer =
-    u"An error occurred validating the additional test versions. An additional test does not contain the same "
-    u"number "
-    u"of distractors as the original. Operation aborted.";
+    u"An error occurred validating the additional test versions. "
+    u"An additional test does not contain the same number of distractors as the original. Operation aborted.";
 constexpr const char16_t* kKeyDiffers =
-    u"An error occurred validating the additional test versions. An additional test does not contain the same "
-    u"correct "
-    u"answer to one or more questions as the original. Operation aborted.";
+    u"An error occurred validating the additional test versions. "
+    u"An additional test does not contain the same correct answer to one or more questions as the original. "
+    u"Operation aborted.";
 
 constexpr const char16_t* kIdentifierUnknown =
-    u"An error occured creating multiple versions of the test. The selected field that contains the version "
-    u"identifier does not match the specified XML files. Operation aborted.";
+    u"An error occured creating multiple versions of the test. "
+    u"The selected field that contains the version identifier does not match the specified XML files. "
+    u"Operation aborted.";
 
 Long AnswerKey(const clsTORVATestQuestion& question) {
   return Need(question.CorrectAnswers()).GetBitWiseRepresentation();

@@ -33,12 +33,12 @@ class TORVA35_API Collection {
   /// Number of items.
   Long Count() const;
 
-  /// Inserts the item in front of Before, behind After, or at the end. Missing stands for no key and no place.
+  /// Inserts the item before Before, after After, or at the end. Missing stands for no key and no place.
   void Add(TaggedValue Item, const TaggedValue& Key = Missing, const TaggedValue& Before = Missing,
            const TaggedValue& After = Missing, CallSite at = CallSite::Current());
   /// The item at the index. The reference is good until the list changes.
   const TaggedValue& Item(const TaggedValue& Index, CallSite at = CallSite::Current()) const;
-  /// Takes the item out; those behind it move one place forward.
+  /// Takes the item out; those after it move up one place.
   void Remove(const TaggedValue& Index, CallSite at = CallSite::Current());
 
   /// The item, or null where `Item` would raise. Valid until the list changes, as is what `Item` gives.

@@ -12,8 +12,8 @@ class clsTORVATest;
 
 class clsTORVATestQuestion;
 
-/// The labels of a question, most often without the copy that `QuestionScale` makes: to read them a scale of the
-/// test will do. Good as long as nobody changes the test.
+/// The labels of a question, most often without the copy that `QuestionScale` makes: a scale of the test is read
+/// where it stands. Valid until the test changes.
 class ScaleTexts {
  public:
   /// Those of `QuestionScale`. What it reports is reported; there may then be no scale.

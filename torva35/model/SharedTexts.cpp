@@ -12,7 +12,7 @@ namespace TORVA35 {
 void SharedTexts::Add(const String& text) {
   const auto place = static_cast<Place>(texts_.size());
   const Place first = first_.emplace(Fold(text), place).first->second;
-  texts_.push_back({Cut(text, kAddLimit), text, first});
+  texts_.push_back({Cut(text, kAddedUnits), text, first});
   areCopyable_ = areCopyable_ && IsCopyable(texts_.back().text);
 }
 

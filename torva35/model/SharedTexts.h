@@ -13,11 +13,11 @@
 namespace TORVA35 {
 
 /// How much of a text a list takes when the text is added, in units.
-constexpr std::size_t kAddLimit = 50;
+constexpr std::size_t kAddedUnits = 50;
 
 /// Whether a text comes through `Copy` of its list as it is.
 inline bool IsCopyable(StringView text) {
-  return text.size() <= kAddLimit && text.find(u'\t') == StringView::npos;
+  return text.size() <= kAddedUnits && text.find(u'\t') == StringView::npos;
 }
 
 /// Texts of which many lists take some in the same order, as the questions of an LMF file take its objectives.

@@ -43,7 +43,7 @@ class TORVA35_API clsTORVATestCorrect : public Object {
   Ref<clsTORVATestCorrect> Copy() const;
 
   /// The sum of 2 to the power n - 1 over all numbers n. A number above 31 is an overflow (6), which is reported;
-  /// the result is then the sum of the numbers in front of it. A number below 1 adds a fraction, which is rounded
+  /// the result is then the sum of the numbers before it. A number below 1 adds a fraction, which is rounded
   /// away at once (to the nearest whole number, ties to the even one). More than 32,767 numbers are reported, with
   /// 0.
   Long GetBitWiseRepresentation() const;

@@ -38,7 +38,7 @@ bool clsTORVATestQuestion::MultiplesPermitted(CallSite at) const {
 }
 
 void clsTORVATestQuestion::ID(String sValue) {
-  id_ = Cut(std::move(sValue), kIDLimit);
+  id_ = Cut(std::move(sValue), kIDUnits);
   if (holder_ != nullptr) holder_->IDChanged();
   for (clsTORVATestQuestions* list : otherHolders_) list->IDChanged();
 }

@@ -78,19 +78,19 @@ class TORVA35_API clsTORVATestQuestion : public Object {
   void QuestionText(String sValue) { questionText_ = std::move(sValue); }
   /// Descriptive text. Kept to its first 255 units; the rest is dropped silently.
   String Difficulty() const { return difficulty_; }
-  void Difficulty(String sValue) { difficulty_ = Cut(std::move(sValue), kLimit); }
+  void Difficulty(String sValue) { difficulty_ = Cut(std::move(sValue), kTextUnits); }
   /// Descriptive text. Of any length.
   String Reference() const { return reference_; }
   void Reference(String sValue) { reference_ = std::move(sValue); }
   /// Descriptive text. Kept to its first 255 units; the rest is dropped silently.
   String Topic() const { return topic_; }
-  void Topic(String sValue) { topic_ = Cut(std::move(sValue), kLimit); }
+  void Topic(String sValue) { topic_ = Cut(std::move(sValue), kTextUnits); }
   /// Descriptive text. Kept to its first 255 units; the rest is dropped silently.
   String Keywords() const { return keywords_; }
-  void Keywords(String sValue) { keywords_ = Cut(std::move(sValue), kLimit); }
+  void Keywords(String sValue) { keywords_ = Cut(std::move(sValue), kTextUnits); }
   /// Descriptive text. Kept to its first 255 units; the rest is dropped silently.
   String Miscellaneous() const { return miscellaneous_; }
-  void Miscellaneous(String sValue) { miscellaneous_ = Cut(std::move(sValue), kLimit); }
+  void Miscellaneous(String sValue) { miscellaneous_ = Cut(std::move(sValue), kTextUnits); }
   /// Descriptive text. Of any length.
   String Notes() const { return notes_; }
   void Notes(String sValue) { notes_ = std::move(sValue); }
@@ -117,8 +117,8 @@ class TORVA35_API clsTORVATestQuestion : public Object {
   void AddHolder(clsTORVATestQuestions& list) noexcept;
   void RemoveHolder(const clsTORVATestQuestions& list) noexcept;
 
-  static constexpr std::size_t kLimit = 255;
-  static constexpr std::size_t kIDLimit = 50;
+  static constexpr std::size_t kTextUnits = 255;
+  static constexpr std::size_t kIDUnits = 50;
 
   Ref<clsTORVATestStrings> learningObjectives_;
   Ref<clsTORVATestStrings> answers_;

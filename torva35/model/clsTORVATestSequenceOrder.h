@@ -20,7 +20,7 @@ class TORVA35_API clsTORVATestSequenceOrder : public Object {
   /// Adds the value `Count` + 1 under the ID. An ID that is there already is reported, and the order is unchanged.
   void Add(const String& sQuestionID);
 
-  /// Does nothing when there is no such entry. The values of the entries behind it do not change.
+  /// Does nothing when there is no such entry. The values of the entries after it do not change.
   void Remove(const TaggedValue& vKey);
   /// Removes every entry.
   void RemoveAll();

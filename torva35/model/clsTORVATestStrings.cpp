@@ -12,7 +12,7 @@
 namespace TORVA35 {
 namespace {
 
-constexpr std::size_t kLetLimit = 255;
+constexpr std::size_t kReplacedUnits = 255;
 
 constexpr Location kInitialize(u"TORVA35 - clsTORVATestStrings.Class_Initialize");
 constexpr Location kCount(u"TORVA35 - clsTORVATestStrings.Count");
@@ -41,7 +41,7 @@ Long clsTORVATestStrings::Count() const {
 bool clsTORVATestStrings::Add(String Item, const TaggedValue& Key, const TaggedValue& Before,
                               const TaggedValue& After) {
   return Reported(kAdd, false, [&](bool& result) {
-    Item = Cut(std::move(Item), kAddLimit);
+    Item = Cut(std::move(Item), kAddedUnits);
     holdsUncopyable_ |= !IsCopyable(Item);
     Own().Add(std::move(Item), Key, Before, After);
     result = true;
@@ -88,7 +88,7 @@ String clsTORVATestStrings::Item(const TaggedValue& Index) const {
 void clsTORVATestStrings::Item(const TaggedValue& Index, String sValue) {
   Reported(kItem, [&] {
     if (Find(Index) == nullptr) return;
-    sValue = Cut(std::move(sValue), kLetLimit);
+    sValue = Cut(std::move(sValue), kReplacedUnits);
     holdsUncopyable_ |= !IsCopyable(sValue);
     Own().Add(std::move(sValue), Missing, Missing, Index);
     items_.Remove(Index);
@@ -134,7 +134,7 @@ void clsTORVATestStrings::AddCopies(const clsTORVATestStrings& from) {
     AddDelimitedString(from.AsString(u"\t"), u"\t");
     return;
   }
-  // What the way through a text comes to, for a tenth of the cost.
+  // The result of the way through a text, at a tenth of its cost.
   if (from.shared_ != nullptr) {
     shared_ = std::make_unique<SharedSelection>(*from.shared_);
     shared_->isKeyed = false;

@@ -45,10 +45,10 @@ class TORVA35_API clsTORVATestStrings : public Object {
 
   /// The text at the index, or an empty one when there is none, without a report.
   String Item(const TaggedValue& Index) const;
+  String operator[](const TaggedValue& Index) const { return Item(Index); }
   /// Replaces the text by the first 255 units of `sValue`. The item loses its key. Does nothing when there is no
   /// such item.
   void Item(const TaggedValue& Index, String sValue);
-  String operator[](const TaggedValue& Index) const { return Item(Index); }
 
   /// Nothing is reported, whatever the index.
   bool Exists(const TaggedValue& Index) const;

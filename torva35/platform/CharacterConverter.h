@@ -8,7 +8,7 @@ namespace TORVA35 {
 /// Turns the bytes of one encoding into Unicode, one character at a time and each one for itself.
 ///
 /// What a port owes:
-///  - It knows an encoding by the name that stands in an XML declaration (letters, digits, ".", "_", "-"; case
+///  - It knows an encoding by the name that an XML declaration gives it (letters, digits, ".", "_", "-"; case
 ///  does
 ///    not matter), and at least ISO-8859-1, US-ASCII and windows-1252. UTF-8, UTF-16 and UTF-32 are not asked for.
 ///  - An encoding in which a character means something else after certain others (shifts, escapes, an order of its

@@ -13,8 +13,8 @@
 /// The fault comes back to the innermost member of the library that runs on the thread, and is raised there. The
 /// frames between it and the fault, those of a host's object among them, are abandoned, which sets the limits:
 ///  - No destructor of an abandoned frame runs. What its locals own is leaked.
-///  - A lock that the faulting code holds stays held, that of the memory allocator included: the next one who
-///    wants it waits for ever.
+///  - A lock that the faulting code holds stays held, that of the memory allocator included: whoever
+///    wants it next waits forever.
 ///  - What the faulting code was changing stays half changed.
 ///  - A signal that the faulting code had blocked stays blocked; a fault whose own signal is blocked ends the
 ///    process.
@@ -24,7 +24,7 @@
 ///
 /// Floating-point control (rounding, traps) is kept, pending floating-point exceptions are cleared.
 ///
-/// A fault with no member of the library on its thread, and a signal that somebody sends (`kill`, `raise`), go to
+/// A fault with no member of the library on its thread, and a signal that is sent (`kill`, `raise`), go to
 /// the signal action that stood before the library's, as if the library were not there; only that a handler which
 /// did not ask for the alternate stack may run on it. The actions are put back when the library is unloaded, each
 /// one where the library's own still stands.
@@ -46,8 +46,8 @@ struct ExceptionPointers {
 };
 
 /// Turns a fault into a raised failure. It runs on the faulting thread, in place of the abandoned frames and not
-/// in a signal handler, so it may throw; what it throws is raised in the member. When it returns, the fault is
-/// nobody's: the process gets the signal again, and ends by it if it outlives that.
+/// in a signal handler, so it may throw; what it throws is raised in the member. When it returns, the
+/// fault is not handled: the process gets the signal again, and ends by it if it outlives that.
 using ExceptionFilter = Long (*)(ExceptionPointers& pointers);
 
 /// Registers the filter for the whole process, and gives the one that was registered before, or null. Without a

@@ -7,11 +7,11 @@
 
 namespace TORVA35 {
 
-/// Writes a file that takes the place of another one in a single step: until `Commit` nobody sees it, and without
-/// a successful `Commit` nothing of it stays, but what a killed process has left, which the next save of the same
-/// file takes away. A symbolic link is followed, also one that leads to no file yet. The new file has owner, group
-/// and access rights of the old one as far as the system lets the saver give them, and is at no time open to more
-/// people. Not kept: several names of the old file (hard links) and its access-control lists.
+/// Writes a file that takes the place of another one in a single step: it does not appear before `Commit`, and
+/// without a successful `Commit` nothing of it remains, except what a killed process leaves, which the next save
+/// of the same file removes. A symbolic link is followed, also one that leads to no file yet. The new file has
+/// owner, group and access rights of the old one as far as the system lets the saver give them, and is at no time
+/// open to more people. Not kept: several names of the old file (hard links) and its access-control lists.
 ///
 /// A port promises the same of its system's files. A file that grows too large fails and does not end the process.
 class FileReplacement {

@@ -11,7 +11,7 @@
 
 namespace TORVA35 {
 
-/// The references that the calling thread's members hold while a host's objects run. They stand outside the stack:
+/// The references that the calling thread's members hold while a host's objects run. They live outside the stack:
 /// when a processor fault abandons the frames of a member, what these held is released all the same.
 namespace kept {
 
@@ -73,8 +73,8 @@ T& Ask(const Kept<T>& reference, CallSite at = CallSite::Current()) {
 
 /// Calls a method whose first argument is a reference by value, and releases the argument should the method fault.
 ///
-/// Such an argument stands in the caller's frame, which a fault abandons. The C++ ABI of all our compilers passes
-/// it by its address, and the caller destroys it: so the method can be handed one that stands elsewhere.
+/// Such an argument lives in the caller's frame, which a fault abandons. The C++ ABI of all our compilers passes
+/// it by its address, and the caller destroys it: so the method can be handed one that lives elsewhere.
 template <class Host, class Class, class Result, class Item, class... Rest, class... Values>
 Result HandOver(Host& host, Result (Class::*method)(Ref<Item>, Rest...),
                 const std::type_identity_t<Ref<Item>>& item, Values&&... rest) {

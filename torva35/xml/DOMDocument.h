@@ -97,7 +97,7 @@ class TORVA35_API IXMLDOMNode {
   IXMLDOMNodeList get_childNodes() const;
   /// Name of an element or attribute as written; "#text" and "#cdata-section" for the others.
   String get_nodeName() const;
-  /// The name behind its first colon, or the whole name; empty for a node without a name.
+  /// The name after its first colon, or the whole name; empty for a node without a name.
   String get_baseName() const;
   /// The characters of an attribute, a text or a CDATA section; Null for an element.
   TaggedValue get_nodeValue() const;
@@ -147,7 +147,7 @@ class TORVA35_API IXMLDOMNodeList {
   Long get_length() const;
   /// The node at the position from 0, or an empty handle.
   IXMLDOMNode get_item(Long position) const;
-  /// The first node on a list just obtained, then the next one at each call; an empty handle behind the last.
+  /// The first node on a list just obtained, then the next one at each call; an empty handle after the last.
   IXMLDOMNode nextNode();
 
  private:

@@ -11,7 +11,7 @@ using namespace std::string_view_literals;
 
 constexpr std::string_view kNoCharacter = "\xFF";
 // In the encodings of the system's converter no character takes more bytes.
-constexpr std::size_t kLongest = 4;
+constexpr std::size_t kLongestBytes = 4;
 
 // A NUL, which no document may have, would make the parser take what follows for another encoding.
 void Append(std::string& utf8, char32_t code) {
@@ -214,7 +214,7 @@ std::size_t XmlDecoder::ConvertOne(std::string_view bytes, std::string& utf8) {
 }
 
 std::size_t XmlDecoder::ConvertOther(std::string_view bytes, std::string& utf8) {
-  for (std::size_t size = 1; size <= std::min(kLongest, bytes.size()); ++size) {
+  for (std::size_t size = 1; size <= std::min(kLongestBytes, bytes.size()); ++size) {
     switch (converter_->Convert(bytes.substr(0, size), characters_)) {
       case CharacterConverter::Outcome::kConverted:
         for (const char32_t code : characters_) Append(utf8, code);
@@ -226,9 +226,9 @@ std::size_t XmlDecoder::ConvertOther(std::string_view bytes, std::string& utf8) 
         break;
     }
   }
-  if (bytes.size() < kLongest) return 0;
+  if (bytes.size() < kLongestBytes) return 0;
   utf8 += kNoCharacter;
-  return kLongest;
+  return kLongestBytes;
 }
 
 std::size_t XmlDecoder::Width() const {

@@ -14,13 +14,13 @@
 namespace TORVA35 {
 namespace {
 
-constexpr std::int64_t kChunk = 1 << 16;
-constexpr std::int64_t kLargestChunk = 1 << 28;
+constexpr std::int64_t kChunkBytes = 1 << 16;
+constexpr std::int64_t kLargestChunkBytes = 1 << 28;
 // How many times longer than the file its text may become by entities, and its attributes by the values that are
 // declared for them; small files may always reach 8 MiB. The parser itself watches over the entities only.
 constexpr int kMaximumAmplification = 10;
-constexpr std::int64_t kAlwaysAllowed = 8 << 20;
-constexpr std::int64_t kLargestFile = 1 << 30;
+constexpr std::int64_t kAlwaysAllowedBytes = 8 << 20;
+constexpr std::int64_t kLargestFileBytes = 1 << 30;
 // Entities and attributes that a document may declare.
 constexpr int kMostDeclared = 10'000;
 // How many of the entities may refer to others, and so how deep they nest: the parser calls itself for each level.
@@ -28,7 +28,7 @@ constexpr int kMostNested = 1'000;
 // At each element the parser goes through all attributes that are declared for it, whether it has them or not.
 constexpr std::int64_t kMostAttributesPassed = 100'000'000;
 // Offsets into the tree are 32 bits wide.
-constexpr std::size_t kLargest = 0xFFFF0000;
+constexpr std::size_t kLargestBytes = 0xFFFF0000;
 
 // Why a document is not read to its end, though the parser finds no fault with it.
 struct Refusal {
@@ -44,7 +44,7 @@ constexpr Refusal kUndefinedEntity{u"undefined entity"};
 constexpr const char16_t* kFileTooLarge = u"file too large";
 
 void NeedRoom(std::size_t size) {
-  if (size > kLargest) throw kTooLarge;
+  if (size > kLargestBytes) throw kTooLarge;
 }
 
 // By hand: the search for a set of characters is a function call for every character.
@@ -134,7 +134,7 @@ bool XmlReader::Load(DOMDocument& document, InputFile file, Listener listener) {
 
 XmlParseError XmlReader::Read() {
   if (!file_.Problem().empty()) return Unreadable(file_.Problem());
-  if (file_.Size() > kLargestFile) return Unreadable(kFileTooLarge);
+  if (file_.Size() > kLargestFileBytes) return Unreadable(kFileTooLarge);
   StartParser();
   try {
     return ReadAll();
@@ -159,7 +159,7 @@ void XmlReader::StartParser() {
   XML_SetExternalEntityRefHandler(parser, Callbacks::External);
   XML_SetSkippedEntityHandler(parser, Callbacks::Skipped);
   XML_SetBillionLaughsAttackProtectionMaximumAmplification(parser, kMaximumAmplification);
-  XML_SetBillionLaughsAttackProtectionActivationThreshold(parser, kAlwaysAllowed);
+  XML_SetBillionLaughsAttackProtectionActivationThreshold(parser, kAlwaysAllowedBytes);
   Append({XmlTree::kDocument, 0, 0, 0, 0, 0});
   open_.push_back({0, 0});
 }
@@ -169,7 +169,7 @@ XmlParseError XmlReader::ReadAll() {
     // The parser begins an unfinished token anew with each chunk: as much again keeps a long one from taking
     // quadratic time.
     const std::int64_t unfinished = bytesParsed_ - XML_GetCurrentByteIndex(parser_.get());
-    const auto chunk = static_cast<int>(std::clamp(unfinished, kChunk, kLargestChunk));
+    const auto chunk = static_cast<int>(std::clamp(unfinished, kChunkBytes, kLargestChunkBytes));
     auto* buffer = static_cast<char*>(XML_GetBuffer(parser_.get(), chunk));
     if (buffer == nullptr) throw std::bad_alloc();
     const std::size_t size = file_.ReadAt(bytesRead_, buffer, static_cast<std::size_t>(chunk));
@@ -180,7 +180,7 @@ XmlParseError XmlReader::ReadAll() {
       if (!error.reason.empty()) return error;
     }
     bytesRead_ += static_cast<std::int64_t>(size);
-    if (bytesRead_ > kLargestFile) return Unreadable(kFileTooLarge);
+    if (bytesRead_ > kLargestFileBytes) return Unreadable(kFileTooLarge);
     const bool parsed = Parse(buffer, size);
     if (failure_) std::rethrow_exception(failure_);
     if (!parsed) {
@@ -224,11 +224,11 @@ std::int64_t XmlReader::SourceOffset(std::int64_t parsed) {
   if (decoder_.IsUtf8()) return parsed;
   std::int64_t offset = 0;
   while (parsed > 0) {
-    source_.resize(static_cast<std::size_t>(kChunk));
+    source_.resize(static_cast<std::size_t>(kChunkBytes));
     source_.resize(file_.ReadAt(offset, source_.data(), source_.size()));
     utf8_.clear();
     const std::size_t used =
-        decoder_.Convert(source_, source_.size() < kChunk, utf8_, static_cast<std::size_t>(parsed));
+        decoder_.Convert(source_, source_.size() < kChunkBytes, utf8_, static_cast<std::size_t>(parsed));
     if (used == 0) break;
     offset += static_cast<std::int64_t>(used);
     parsed -= static_cast<std::int64_t>(utf8_.size());
@@ -262,7 +262,7 @@ void XmlReader::BeginElement(std::string_view name, const char** attributes) {
 // Counts the attribute at the length that it would have in the file, so that many empty ones count, too.
 void XmlReader::AllowDefault(std::string_view name, std::string_view value) {
   defaultBytes_ += static_cast<std::int64_t>(name.size() + value.size() + std::string_view(" =''").size());
-  if (defaultBytes_ > std::max(kAlwaysAllowed, kMaximumAmplification * bytesRead_)) throw kTooMuchDefaulted;
+  if (defaultBytes_ > std::max(kAlwaysAllowedBytes, kMaximumAmplification * bytesRead_)) throw kTooMuchDefaulted;
 }
 
 void XmlReader::BeginDocument(std::string_view version) {
@@ -308,7 +308,7 @@ bool XmlReader::OpenExternal(XML_ParserStruct* parser, bool isParameter) {
   return false;
 }
 
-// An entity that nobody has declared. What stands outside the document may have declared it, which then
+// An entity that is not declared. A file outside the document may have declared it, which then
 // contributes nothing either; but without a parameter entity the parser would no longer take what is declared
 // after it.
 void XmlReader::SkipEntity(bool isParameter) {
@@ -347,7 +347,7 @@ void XmlReader::EndCdata() {
   textBegin_ = tree_.text.size();
 }
 
-// Hangs the node behind its elder siblings.
+// Makes the node the last child so far of its parent.
 void XmlReader::Append(XmlNode node) {
   const auto index = static_cast<std::uint32_t>(tree_.nodes.size());
   tree_.nodes.push_back(node);

@@ -73,7 +73,7 @@ struct XmlReader {
   };
   std::vector<Open> open_;      // from the document down to the element that is being read
   std::size_t textBegin_ = 0;   // where the text that is being collected begins
-  std::exception_ptr failure_;  // raised in a callback, thrown again behind the parser's frames
+  std::exception_ptr failure_;  // raised in a callback, thrown again once the parser has returned
   std::int64_t bytesRead_ = 0;
   std::int64_t bytesParsed_ = 0;
   std::int64_t defaultBytes_ = 0;  // of attributes that stand in no tag

@@ -7,13 +7,13 @@
 #include <unordered_set>
 #include <vector>
 
-/// The document behind the DOM's handles: flat arrays in document order, freed in one go.
+/// The document that the DOM's handles refer to: flat arrays in document order, freed in one go.
 namespace TORVA35 {
 
 struct XmlNode {
   std::uint32_t name;        // XmlTree::kText, kCdata, or the number of an element's name
   std::uint32_t next;        // next sibling, or 0: the document itself is no sibling
-  std::uint32_t children;    // how many; the first one stands directly behind its parent
+  std::uint32_t children;    // how many; the first one stands directly after its parent
   std::uint32_t attributes;  // the first one; the next node's first one ends them
   std::uint32_t textBegin;   // the characters of the node and all below it
   std::uint32_t textEnd;
@@ -86,7 +86,7 @@ struct XmlTree {
     }
   };
 
-  std::string names;  // all names, one behind the other, UTF-8
+  std::string names;  // all names, one after the other, UTF-8
   std::vector<std::uint32_t> nameEnds;
   std::unordered_set<std::uint32_t, NameHash, NameEqual> numbers;
   // Names seen last, by what is quick to tell of them: nearly every element finds its name here.

@@ -35,15 +35,15 @@ namespace {
 
 #if defined(TORVA35_SANITIZED)
 // Instrumented frames are that much larger.
-constexpr std::size_t kAlternateStackSize = std::size_t{5} * 64 * 1024;
+constexpr std::size_t kAlternateStackBytes = std::size_t{5} * 64 * 1024;
 #else
-constexpr std::size_t kAlternateStackSize = std::size_t{64} * 1024;
+constexpr std::size_t kAlternateStackBytes = std::size_t{64} * 1024;
 #endif
 
-// How far below the guard of a stack an access still counts as its overflow: a frame may begin behind the guard.
+// How far below the guard of a stack an access still counts as its overflow: a frame may begin below the guard.
 constexpr std::uintptr_t kBelowGuard = std::uintptr_t{64} * 1024;
 // Size of the guard below an alternate stack, where handlers run that may have counted on more room.
-constexpr std::size_t kAlternateGuard = std::size_t{64} * 1024;
+constexpr std::size_t kAlternateGuardBytes = std::size_t{64} * 1024;
 
 constexpr int kSignals[] = {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGTRAP};
 
@@ -87,7 +87,7 @@ struct sigaction& EarlierAction(int signal) {
   return earlierActions[std::find(std::begin(kSignals), std::end(kSignals), signal) - std::begin(kSignals)];
 }
 
-// A fault of this thread, not a message from somebody.
+// A fault of this thread, not a signal that was sent.
 bool IsFault(int signal, const siginfo_t& info) {
   return info.si_code > 0 && !(signal == SIGBUS && info.si_code == BUS_MCEERR_AO);
 }
@@ -102,7 +102,7 @@ bool IsStackOverflow(const siginfo_t& info) {
 // The system would begin anew at the alternate stack's top, and a handler that keeps faulting would never end.
 bool IsAlternateStackOverflow(const siginfo_t& info) {
   const auto address = reinterpret_cast<std::uintptr_t>(info.si_addr);
-  return state.alternateGuard != 0 && address - state.alternateGuard < kAlternateGuard;
+  return state.alternateGuard != 0 && address - state.alternateGuard < kAlternateGuardBytes;
 }
 
 std::uint32_t FloatingPointCode(int code) {
@@ -207,7 +207,7 @@ void PassOn(int signal, siginfo_t* info, void* context) {
   const bool fault = IsFault(signal, *info);
   if ((action.sa_flags & SA_SIGINFO) == 0 && action.sa_handler == SIG_IGN && !fault) return;
   if ((action.sa_flags & SA_SIGINFO) == 0 && (action.sa_handler == SIG_DFL || action.sa_handler == SIG_IGN)) {
-    // The faulting instruction runs again and ends the process; a trap would go on behind it, and a message is
+    // The faulting instruction runs again and ends the process; a trap would go on after it, and a message is
     // gone.
     SetDefaultAction(signal);
     if (!fault || signal == SIGTRAP) raise(signal);
@@ -225,7 +225,7 @@ void PassOn(int signal, siginfo_t* info, void* context) {
   state.innermost = frame.outer;
   Describe(frame.record, signal, info);
   KeepFloatingPointControl(context);
-  // Whoever stands between the system and our handler may have blocked more than we asked for.
+  // A handler between the system's and ours may have blocked more than we asked for.
   pthread_sigmask(SIG_SETMASK, &context.uc_sigmask, nullptr);
   state.handling = 0;
   siglongjmp(frame.jump, 1);
@@ -287,15 +287,15 @@ class AlternateStack {
  public:
   AlternateStack() {
     const std::size_t needed =
-        std::max(kAlternateStackSize, static_cast<std::size_t>(std::max(sysconf(_SC_SIGSTKSZ), 0L)));
+        std::max(kAlternateStackBytes, static_cast<std::size_t>(std::max(sysconf(_SC_SIGSTKSZ), 0L)));
     if (sigaltstack(nullptr, &earlier_) != 0) return;
     if ((earlier_.ss_flags & SS_DISABLE) == 0 && earlier_.ss_size >= needed) return;
-    size_ = kAlternateGuard + needed;
+    size_ = kAlternateGuardBytes + needed;
     void* const memory = mmap(nullptr, size_, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_STACK, -1, 0);
     if (memory == MAP_FAILED) return;
     memory_ = static_cast<char*>(memory);
     stack_t ours{};
-    ours.ss_sp = memory_ + kAlternateGuard;
+    ours.ss_sp = memory_ + kAlternateGuardBytes;
     ours.ss_size = needed;
     if (mprotect(ours.ss_sp, needed, PROT_READ | PROT_WRITE) != 0 || sigaltstack(&ours, nullptr) != 0) {
       Release();
@@ -309,7 +309,7 @@ class AlternateStack {
     if (memory_ == nullptr) return;
     stack_t current{};
     // A stack that is in use, or that is no longer ours, stays.
-    if (sigaltstack(nullptr, &current) == 0 && current.ss_sp == memory_ + kAlternateGuard &&
+    if (sigaltstack(nullptr, &current) == 0 && current.ss_sp == memory_ + kAlternateGuardBytes &&
         sigaltstack(&earlier_, nullptr) != 0) {
       return;
     }

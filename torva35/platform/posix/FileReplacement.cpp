@@ -145,7 +145,7 @@ bool FileReplacement::Work::Begin(const std::string& path) {
 
   struct stat old;
   if (fstatat(folder_, name_.c_str(), &old, AT_SYMLINK_NOFOLLOW) != 0) return errno == ENOENT && Create(0666);
-  // A device or a pipe would be gone for everybody.
+  // A device or a pipe would be gone for all its users.
   if (!S_ISREG(old.st_mode) || faccessat(folder_, name_.c_str(), W_OK, AT_EACCESS) != 0) return false;
   // At no time wider than the old one: until owner and group are those of the old file, only the saver's.
   return Create(old.st_mode & 0600) && TakeOver(old.st_uid, old.st_gid, old.st_mode & 07777);
@@ -180,30 +180,29 @@ bool FileReplacement::Work::Create(unsigned mode) {
     if (file_ >= 0) temporaryName_ = std::move(name);
     // What an ended process of the same number has left stays in its place.
   } while (file_ < 0 && errno == EEXIST);
-  // As a sign that somebody is at work, for those who do not see this process. Where there are no locks, its
-  // number is left.
+  // A sign that the save is under way, for processes that cannot see this one by its number. Where there are no
+  // locks, the number has to do.
   if (file_ >= 0) flock(file_, LOCK_EX | LOCK_NB);
   return file_ >= 0;
 }
 
 // What saves of this file have left whose processes were killed.
 void FileReplacement::Work::RemoveLeftovers() const {
+  const std::string prefix = TemporaryPrefix();
   const int readable = openat(folder_, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
   if (readable < 0) return;
-  DIR* const entries = fdopendir(readable);
+  const std::unique_ptr<DIR, int (*)(DIR*)> entries(fdopendir(readable), &closedir);
   if (entries == nullptr) {
     close(readable);
     return;
   }
-  const std::string prefix = TemporaryPrefix();
-  while (const dirent* entry = readdir(entries)) {
+  while (const dirent* entry = readdir(entries.get())) {
     if (!IsGone(ProcessOf(entry->d_name, prefix))) continue;
     const int file = openat(folder_, entry->d_name, O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
     if (file < 0) continue;
     if (flock(file, LOCK_EX | LOCK_NB) == 0) unlinkat(folder_, entry->d_name, 0);
     close(file);
   }
-  closedir(entries);
 }
 
 void FileReplacement::Work::Write(std::string_view bytes) {

@@ -33,9 +33,9 @@ InputFile::InputFile(const String& path) {
   }
   const std::string name = ToUtf8(path);
   constexpr int kFlags = O_RDONLY | O_CLOEXEC | O_NOCTTY;
-  // Without O_NONBLOCK a pipe would keep us until somebody writes into it.
+  // Without O_NONBLOCK opening a pipe would wait for a writer.
   file_ = open(name.c_str(), kFlags | O_NONBLOCK);
-  // Only a regular file says this: somebody is giving up a lease on it, which is worth waiting for.
+  // Only a regular file says this: another process is giving up a lease on it, which is worth waiting for.
   if (file_ < 0 && errno == EWOULDBLOCK) file_ = open(name.c_str(), kFlags);
   struct stat status;
   if (file_ < 0 || fstat(Descriptor(file_), &status) != 0) {
