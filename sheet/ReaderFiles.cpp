@@ -49,10 +49,10 @@ std::string Png(int width, int height, const std::string& pixels) {
     lines += pixels.substr(static_cast<std::size_t>(y) * static_cast<std::size_t>(width),
                            static_cast<std::size_t>(width));
   }
-  uLongf size = compressBound(lines.size());
+  const auto length = static_cast<uLong>(lines.size());  // a picture as small as ours has no more
+  uLongf size = compressBound(length);
   std::string data(size, '\0');
-  if (compress(reinterpret_cast<Bytef*>(data.data()), &size, Bytes(lines), lines.size()) != Z_OK)
-    throw std::bad_alloc();
+  if (compress(reinterpret_cast<Bytef*>(data.data()), &size, Bytes(lines), length) != Z_OK) throw std::bad_alloc();
   data.resize(size);
   const std::string header = BigEndian(static_cast<std::uint32_t>(width)) +
                              BigEndian(static_cast<std::uint32_t>(height)) + std::string("\x08\0\0\0\0", 5);

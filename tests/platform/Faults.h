@@ -1,10 +1,11 @@
 #pragma once
 
-#include <fcntl.h>
-#include <sys/mman.h>
-
-#include <cfenv>
 #include <cstdlib>
+
+#if !defined(_WIN32)
+#include <sys/mman.h>
+#include <unistd.h>
+#endif
 
 #if defined(__x86_64__)
 #include <x86intrin.h>
@@ -27,13 +28,6 @@ FAULTS inline void IntegerDivision() {
   static_cast<void>(result);
 }
 
-FAULTS inline void FloatDivision() {
-  feenableexcept(FE_DIVBYZERO);
-  volatile double zero = 0;
-  volatile double result = 1 / zero;
-  static_cast<void>(result);
-}
-
 // Each level uses what the next one gives, so that none of them becomes a loop.
 FAULTS inline int Recursion(int depth) {
   volatile char level[256];
@@ -46,12 +40,14 @@ FAULTS inline void EndlessRecursion() {
   static_cast<void>(result);
 }
 
+#if !defined(_WIN32)
 FAULTS inline void ReadBehindFileEnd() {
   char name[] = "/tmp/emptyXXXXXX";
   const int file = mkstemp(name);
   unlink(name);
   *static_cast<volatile char*>(mmap(nullptr, 4096, PROT_READ, MAP_SHARED, file, 0));
 }
+#endif
 
 FAULTS inline void IllegalInstruction() {
 #if defined(__x86_64__)
@@ -62,6 +58,17 @@ FAULTS inline void IllegalInstruction() {
 }
 
 #if defined(__x86_64__)
+FAULTS inline void FloatDivision() {
+  _mm_setcsr(_mm_getcsr() & ~_MM_MASK_DIV_ZERO);
+  volatile double zero = 0;
+  volatile double result = 1 / zero;
+  static_cast<void>(result);
+}
+
+FAULTS inline void PrivilegedInstruction() {
+  asm volatile("hlt");
+}
+
 FAULTS inline void Breakpoint() {
   asm volatile("int3");
 }

@@ -1,11 +1,13 @@
 #pragma once
 
 #include <signal.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include <cstring>
 #include <string>
+
+#if !defined(_WIN32)
+#include <sys/wait.h>
+#include <unistd.h>
+#endif
 
 #include "torva35/base/Error.h"
 #include "torva35/base/Text.h"
@@ -27,6 +29,17 @@ constexpr bool kThreadSanitizer = true;
 constexpr bool kThreadSanitizer = false;
 #endif
 constexpr bool kSanitized = kAddressSanitizer || kThreadSanitizer;
+
+#if defined(_WIN32)
+
+/// Runs `body` and gives the text that it returns. No child is needed: no handler is put up for the process, and
+/// what ends it is tested in another way.
+template <class Body>
+std::string InChild(Body body) {
+  return body();
+}
+
+#else
 
 /// How a process ends that nobody saves from a signal. A sanitizer's handler, which is the one that was there
 /// before the library's, reports the fault and leaves.
@@ -60,5 +73,7 @@ std::string InChild(Body body) {
   if (WEXITSTATUS(status) != 0) return kSanitized ? "ended by the sanitizer" : "ended early";
   return text;
 }
+
+#endif
 
 }  // namespace TORVA35

@@ -1,0 +1,128 @@
+// The system's own ways of raising and handling: what is a member's fault, what is the host's, and what is left of
+// it.
+
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include <string>
+#include <thread>
+#include <utility>
+
+#include "tests/platform/Faults.h"
+#include "tests/platform/Member.h"
+
+namespace TORVA35 {
+namespace {
+
+class Handlers : public testing::Test {
+ protected:
+  Handlers() { SetUnhandledExceptionFilter(Throwing); }
+};
+
+// What no processor does on demand.
+TEST_F(Handlers, WhateverTheSystemRaisesIsAFault) {
+  for (const DWORD code : {0x80000001, 0x80000002, 0xC0000006, 0xC0000008, 0xC000001D, 0xC000008C, 0xC000008D,
+                           0xC000008F, 0xC0000091, 0xC0000092, 0xC0000093, 0xC0000095, 0xC000013A, 0xE0000001}) {
+    EXPECT_EQ(Member([=] { RaiseException(code, 0, 0, nullptr); }), Hex(static_cast<Long>(code)));
+  }
+  // A number of a run-time library's, such as the one for the name of a thread, is not.
+  EXPECT_EQ(Member([] { faults::NullRead(); }), "C0000005");
+}
+
+TEST_F(Handlers, TheRecordIsTheSystems) {
+  static ExceptionRecord seen, innermost;
+  SetUnhandledExceptionFilter([](ExceptionPointers& pointers) -> Long {
+    seen = *pointers.Record;
+    if (seen.Nested != nullptr) innermost = *seen.Nested;
+    throw 1;
+  });
+  EXPECT_THROW(RunGuarded([] { faults::NullRead(); }), int);
+  EXPECT_EQ(seen.Address, nullptr);
+  EXPECT_EQ(seen.ParameterCount, 2u);  // a read, of that address
+  EXPECT_EQ(seen.Parameters[0], 0u);
+  EXPECT_EQ(seen.Nested, nullptr);
+  EXPECT_THROW(RunGuarded([] { faults::IntegerDivision(); }), int);
+  EXPECT_NE(seen.Address, nullptr);
+  // One that came from another.
+  const auto raise = reinterpret_cast<void(WINAPI*)(EXCEPTION_RECORD*)>(
+      reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "RtlRaiseException")));
+  EXPECT_THROW(RunGuarded([=] {
+                 EXCEPTION_RECORD inner{}, outer{};
+                 inner.ExceptionCode = 0xC0000094;
+                 outer.ExceptionCode = 0xC0000026;
+                 outer.ExceptionRecord = &inner;
+                 raise(&outer);
+               }),
+               int);
+  EXPECT_EQ(seen.Code, 0xC0000026);
+  EXPECT_EQ(innermost.Code, 0xC0000094);
+}
+
+LONG CALLBACK SkipRead(EXCEPTION_POINTERS* pointers) {
+  // The host mends the fault: the address becomes one that can be read.
+  static int good = 7;
+  if (pointers->ExceptionRecord->ExceptionCode != EXCEPTION_ACCESS_VIOLATION) return EXCEPTION_CONTINUE_SEARCH;
+  CONTEXT& context = *pointers->ContextRecord;
+  for (DWORD64* address : {&context.Rax, &context.Rcx, &context.Rdx, &context.R8}) {
+    if (*address == 0) *address = reinterpret_cast<DWORD64>(&good);
+  }
+  return EXCEPTION_CONTINUE_EXECUTION;
+}
+
+TEST_F(Handlers, AHostThatMendsItsFaultsDoesSoWithinAMember) {
+  void* const handler = AddVectoredExceptionHandler(0, SkipRead);
+  EXPECT_EQ(Member(faults::NullRead), "-");
+  RemoveVectoredExceptionHandler(handler);
+  EXPECT_EQ(Member(faults::NullRead), "C0000005");
+}
+
+LONG WINAPI OfHost(EXCEPTION_POINTERS*) {
+  ExitProcess(77);
+}
+
+TEST_F(Handlers, AFaultOutsideAMemberIsTheHosts) {
+  testing::GTEST_FLAG(death_test_style) = "threadsafe";
+  EXPECT_EXIT(
+      {
+        Member(faults::NullRead);
+        ::SetUnhandledExceptionFilter(OfHost);
+        Member(faults::NullRead);
+        faults::NullRead();
+      },
+      testing::ExitedWithCode(77), "");
+}
+
+TEST_F(Handlers, WithoutAWillingFilterTheHostGetsTheFault) {
+  testing::GTEST_FLAG(death_test_style) = "threadsafe";
+  const auto outerMember = [](ExceptionFilter filter) {
+    ::SetUnhandledExceptionFilter(OfHost);
+    SetUnhandledExceptionFilter(filter);
+    Member([] { Member(faults::NullRead); });
+  };
+  EXPECT_EXIT(outerMember(nullptr), testing::ExitedWithCode(77), "");
+  EXPECT_EXIT(outerMember([](ExceptionPointers&) -> Long { return 0; }), testing::ExitedWithCode(77), "");
+}
+
+// A thread that the library never started up on, and one that a host has made without the C++ library.
+TEST_F(Handlers, EveryThreadThatRunsAMemberHasItsFaults) {
+  std::string codes;
+  std::thread([&] { codes = Member(faults::NullRead); }).join();
+  EXPECT_EQ(codes, "C0000005");
+  const HANDLE thread = CreateThread(
+      nullptr, 0,
+      [](void* result) -> DWORD {
+        SetUnhandledExceptionFilter(Throwing);
+        for (int i = 0; i < 3; ++i) {
+          *static_cast<std::string*>(result) +=
+              ' ' + Member(faults::EndlessRecursion) + ' ' + Member(faults::NullRead);
+        }
+        return 0;
+      },
+      &codes, 0, nullptr);
+  WaitForSingleObject(thread, INFINITE);
+  CloseHandle(thread);
+  EXPECT_EQ(codes, "C0000005 C00000FD C0000005 C00000FD C0000005 C00000FD C0000005");
+}
+
+}  // namespace
+}  // namespace TORVA35

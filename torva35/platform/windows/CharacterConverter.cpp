@@ -1,0 +1,103 @@
+#include "torva35/platform/CharacterConverter.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+
+#include "torva35/platform/windows/Windows.h"
+
+namespace TORVA35 {
+namespace {
+
+struct Name {
+  std::string_view name;  // in capitals, without "-" and "_"
+  UINT page;
+};
+
+// Those that are no "windows-", "cp", "IBM" or "ISO-8859-" with a number. None has shifts or escapes.
+constexpr Name kNames[] = {
+    {"USASCII", 20127},   {"ASCII", 20127}, {"LATIN1", 28591}, {"LATIN2", 28592},    {"LATIN9", 28605},
+    {"KOI8R", 20866},     {"KOI8U", 21866}, {"SHIFTJIS", 932}, {"SJIS", 932},        {"WINDOWS31J", 932},
+    {"EUCJP", 20932},     {"GB2312", 936},  {"GBK", 936},      {"EUCCN", 936},       {"GB18030", 54936},
+    {"BIG5", 950},        {"EUCKR", 949},   {"UHC", 949},      {"KSC56011987", 949}, {"TIS620", 874},
+    {"MACINTOSH", 10000}, {"JOHAB", 1361},
+};
+
+// The number behind the beginning of a name, or 0.
+UINT NumberAfter(std::string_view name, std::string_view beginning) {
+  if (!name.starts_with(beginning)) return 0;
+  UINT number = 0;
+  const auto [end, error] = std::from_chars(name.data() + beginning.size(), name.data() + name.size(), number);
+  return error == std::errc() && end == name.data() + name.size() ? number : 0;
+}
+
+UINT PageOf(const std::string& encoding) {
+  std::string name;
+  for (const char c : encoding) {
+    if (c != '-' && c != '_') name += c >= 'a' && c <= 'z' ? static_cast<char>(c - 32) : c;
+  }
+  const auto* const row =
+      std::find_if(std::begin(kNames), std::end(kNames), [&](const Name& each) { return each.name == name; });
+  if (row != std::end(kNames)) return row->page;
+  if (const UINT part = NumberAfter(name, "ISO8859"); part > 0 && part <= 16) return 28590 + part;
+  for (const char* const beginning : {"WINDOWS", "CP", "IBM"}) {
+    if (const UINT number = NumberAfter(name, beginning); number > 0) return number;
+  }
+  return 0;
+}
+
+// Pages in which a byte, or a row of them, means something else after certain others, and those of Unicode.
+bool HasStates(UINT page) {
+  return (page >= 50000 && page < 51000) || (page >= 52936 && page < 53000) || (page >= 57000 && page <= 57011) ||
+         page == 65000 || page == 65001 || page == 1200 || page == 1201 || page == 12000 || page == 12001;
+}
+
+bool IsControl(wchar_t unit) {
+  return unit >= 0x80 && unit < 0xA0;
+}
+bool IsPrivate(wchar_t unit) {
+  return unit >= 0xE000 && unit < 0xF900;
+}
+
+}  // namespace
+
+// The page's number stands in the place of a pointer.
+CharacterConverter::CharacterConverter(const std::string& encoding) {
+  const UINT page = PageOf(encoding);
+  CPINFO information;
+  if (page == 0 || HasStates(page) || GetCPInfo(page, &information) == 0) return;
+  // NOLINTNEXTLINE(performance-no-int-to-ptr)
+  converter_ = reinterpret_cast<void*>(static_cast<std::uintptr_t>(page));
+}
+
+CharacterConverter::~CharacterConverter() = default;
+
+CharacterConverter::Outcome CharacterConverter::Convert(std::string_view bytes, std::u32string& characters) {
+  const auto page = static_cast<UINT>(reinterpret_cast<std::uintptr_t>(converter_));
+  CPINFO information{};
+  GetCPInfo(page, &information);
+  const bool single = information.MaxCharSize == 1;
+  std::array<wchar_t, 8> units;
+  const int count = MultiByteToWideChar(page, MB_ERR_INVALID_CHARS, bytes.data(), static_cast<int>(bytes.size()),
+                                        units.data(), static_cast<int>(units.size()));
+  if (count <= 0) {
+    const bool more = bytes.size() < information.MaxCharSize && (bytes.size() > 1 || !single) &&
+                      IsDBCSLeadByteEx(page, static_cast<BYTE>(bytes.front())) != 0;
+    return more ? Outcome::kIncomplete : Outcome::kInvalid;
+  }
+  // Where a page has no character, the system gives a control character or one of its own.
+  const bool none = single && ((IsControl(units[0]) && page < 28591) || IsPrivate(units[0]));
+  if (none) return Outcome::kInvalid;
+  characters.clear();
+  for (int i = 0; i < count; ++i) {
+    const auto unit = static_cast<char32_t>(units[static_cast<std::size_t>(i)]);
+    if (unit >= 0xDC00 && unit < 0xE000 && !characters.empty()) {
+      characters.back() = 0x10000 + ((characters.back() - 0xD800) << 10) + (unit - 0xDC00);
+    } else {
+      characters.push_back(unit);
+    }
+  }
+  return Outcome::kConverted;
+}
+
+}  // namespace TORVA35
