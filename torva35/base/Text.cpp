@@ -221,6 +221,12 @@ String Fold(StringView text) {
   return result;
 }
 
+std::size_t HashNoCase::operator()(StringView text) const noexcept {
+  std::size_t hash = 0xcbf29ce484222325;
+  for (char16_t unit : text) hash = (hash ^ FoldUnit(unit)) * 0x100000001b3;
+  return hash ^ hash >> 32;
+}
+
 bool EqualNoCase(StringView left, StringView right) {
   return std::equal(left.begin(), left.end(), right.begin(), right.end(),
                     [](char16_t l, char16_t r) { return l == r || FoldUnit(l) == FoldUnit(r); });

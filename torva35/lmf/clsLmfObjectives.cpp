@@ -29,13 +29,13 @@ void clsLmfObjectives::Add(Ref<clsLmfObjective> oObjective, const TaggedValue& K
   if (!Key.IsMissing()) key = NeedKey(Key, at);
   MakeRoomForOne(keys_);
   MakeRoomForOne(items_);
-  if (key && !foldedKeys_.insert(Fold(*key)).second) Raise(kDuplicateKey, at);
+  if (key && !distinctKeys_.insert(*key).second) Raise(kDuplicateKey, at);
   keys_.push_back(std::move(key));
   items_.push_back(std::move(oObjective));
 }
 
 bool clsLmfObjectives::Exists(const TaggedValue& Key, CallSite at) const {
-  return foldedKeys_.contains(Fold(NeedKey(Key, at)));
+  return distinctKeys_.contains(NeedKey(Key, at));
 }
 
 void clsLmfObjectives::AddBuiltIn() {
@@ -56,7 +56,7 @@ std::optional<String> clsLmfObjectives::KeyOf(Long lPosition, CallSite at) const
 void clsLmfObjectives::RemoveAll() {
   items_.clear();
   keys_.clear();
-  foldedKeys_.clear();
+  distinctKeys_.clear();
   hasBuiltIn_ = false;
 }
 

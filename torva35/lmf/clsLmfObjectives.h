@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "torva35/base/ObjectList.h"
+#include "torva35/base/Text.h"
 
 namespace TORVA35 {
 
@@ -44,7 +45,7 @@ class TORVA35_API clsLmfObjectives : public ObjectList<clsLmfObjective> {
 
  private:
   std::vector<std::optional<String>> keys_;  // parallel to the objectives
-  std::unordered_set<String> foldedKeys_;
+  std::unordered_set<String, HashNoCase, SameNoCase> distinctKeys_;
   bool hasBuiltIn_ = false;
 };
 

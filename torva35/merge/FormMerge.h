@@ -4,6 +4,7 @@
 
 #include "torva35/base/Array.h"
 #include "torva35/base/CallSite.h"
+#include "torva35/base/Text.h"
 #include "torva35/base/Types.h"
 #include "torva35/merge/clsTORVA.h"
 #include "torva35/model/Collection.h"
@@ -63,7 +64,7 @@ class FormMerge {
   Ref<clsLmfQuestion> sharedQuestion_ = New<clsLmfQuestion>();
   Array<String> names_;  // of the form's questions, in its order
   Collection questionPositions_;
-  std::unordered_map<String, Long> objectives_;  // from the folded text to its first position
+  std::unordered_map<String, Long, HashNoCase, SameNoCase> objectives_;  // from the text to its first position
   Long testPosition_ = 0;
   Long outputPosition_ = 0;
 };

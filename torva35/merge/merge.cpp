@@ -1,6 +1,8 @@
 // A merge from its checks to the last subjective question. All of it is in one file and reports as one
 // member, so that a line tells which statement failed.
 
+#include <typeinfo>
+
 #include "torva35/base/Arithmetic.h"
 #include "torva35/base/Text.h"
 #include "torva35/errors/Reported.h"
@@ -85,10 +87,11 @@ void FormMerge::EnterObjectives() {
     const Kept objectives(Need(Inside::Find(*questions, i)).LearningObjectives());
     const Long objectiveCount = Ask(objectives).Count();
     for (Long k = 1; k <= objectiveCount; ++k) {
-      const String text = objectives->Item(k);
+      const String* found = Inside::Find(*objectives, k);
+      const TaggedValue text(found == nullptr ? String() : *found);
       if (Ask(Kept(Ask(lmf_).Objectives())).Exists(text)) continue;
       const Kept objective(New<clsLmfObjective>());
-      objective->Text(text);
+      objective->Text(*text.As<String>());
       HandOver(Ask(Kept(Ask(lmf_).Objectives())), &clsLmfObjectives::Add, objective, objective->Text(),
                CallSite::Current());
     }
@@ -189,7 +192,7 @@ bool FormMerge::TakeTestQuestion() {
   const clsTORVATestQuestion& question = *testQuestion_;
   clsLmfQuestion& output = *output_;
   questionPositions_.Add(outputPosition_, question.ID());
-  const Long answers = Need(question.Answers()).Count();
+  const Long answers = Inside::Count(Need(question.Answers()));
   if (answers > Ask(Kept(Ask(formQuestion_).Labels())).Count()) {
     // The name of the field is a host's to give, and only asked for when it is shown.
     if (engine_.Verbose()) {
@@ -199,7 +202,7 @@ bool FormMerge::TakeTestQuestion() {
     return false;
   }
   Need(output.CorrectValues()).Add(test_.CorrectAnswersAsString(testPosition_, u",", true, true));
-  output.CorrectCount(Need(question.CorrectAnswers()).Count());
+  output.CorrectCount(Inside::Count(Need(question.CorrectAnswers())));
   Need(output.CorrectLabels()).Add(test_.CorrectAnswersAsString(testPosition_, u",", true, false));
   output.CorrectAnd(false);
   if (IsChoiceField()) TakeScale();
@@ -229,8 +232,11 @@ void FormMerge::TakeScale() {
     Ask(labels).Item(i, texts.begin()[i - 1]);
     Ask(values).Item(i, numbers.begin()[i - 1]);
   }
-  HandOver(Ask(formQuestion_), &clsTemplateQuestion::Labels, labels);
-  HandOver(Ask(formQuestion_), &clsTemplateQuestion::Values, values);
+  // A question of our own has them.
+  if (typeid(*formQuestion_) != typeid(clsTemplateQuestion)) {
+    HandOver(Ask(formQuestion_), &clsTemplateQuestion::Labels, labels);
+    HandOver(Ask(formQuestion_), &clsTemplateQuestion::Values, values);
+  }
   Ask(formQuestion_).Text(testQuestion_->QuestionText());
 }
 
@@ -252,7 +258,7 @@ Long FormMerge::TakeLabels() {
 
 ScaleTexts FormMerge::Scale() const {
   if (testQuestion_->QuestionType() == TORVATestQuestionTypeMultipleChoice &&
-      Need(test_.Sequences()).Count() > 1) {
+      Inside::Count(Need(test_.Sequences())) > 1) {
     return ScaleTexts(test_, *testQuestion_, testPosition_);
   }
   return ScaleTexts(test_, testPosition_);
@@ -268,7 +274,7 @@ void FormMerge::FindObjectives() {
   const Kept objectives(Ask(lmf_).Objectives());
   const Long count = Ask(objectives).Count();
   for (Long k = objectives->HasBuiltIn() ? 2 : 1; k <= count; ++k) {
-    objectives_.emplace(Fold(Ask(Kept(Ask(objectives).Item(k))).Text()), k);
+    objectives_.emplace(Ask(Kept(Ask(objectives).Item(k))).Text(), k);
   }
 }
 
@@ -278,7 +284,7 @@ void FormMerge::MarkObjectives() {
   if (count > 0 && objectives_.empty()) FindObjectives();
   for (Long i = 1; i <= count; ++i) {
     const String* text = Inside::Find(*texts, i);
-    const auto found = objectives_.find(text == nullptr ? String() : Fold(*text));
+    const auto found = objectives_.find(text == nullptr ? StringView() : StringView(*text));
     if (found != objectives_.end()) Need(output_->ObjectiveFlags()).Value(found->second, true);
   }
 }

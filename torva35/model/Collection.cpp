@@ -13,12 +13,6 @@
 namespace TORVA35 {
 namespace {
 
-std::size_t HashOf(StringView key) {
-  std::size_t hash = 0xcbf29ce484222325;
-  for (char16_t unit : key) hash = (hash ^ FoldUnit(unit)) * 0x100000001b3;
-  return hash ^ hash >> 32;
-}
-
 // A key and the slot of its item.
 struct Keyed {
   String key;
@@ -29,7 +23,7 @@ struct Keyed {
 struct KeyHash {
   using is_transparent = void;
   std::size_t operator()(const Keyed* keyed) const noexcept { return keyed->hash; }
-  std::size_t operator()(StringView key) const noexcept { return HashOf(key); }
+  std::size_t operator()(StringView key) const noexcept { return HashNoCase()(key); }
 };
 
 struct KeyEqual {
@@ -94,7 +88,7 @@ struct Collection::Items {
   // All that can fail comes before the first change.
   void Insert(std::size_t place, TaggedValue item, const String* key) {
     std::unique_ptr<Keyed> keyed;
-    if (key != nullptr) keyed.reset(new Keyed{*key, HashOf(*key), 0});
+    if (key != nullptr) keyed.reset(new Keyed{*key, HashNoCase()(*key), 0});
     if (gapBegin_ == gapEnd_) Grow();
     if (index_ == nullptr && Count() >= kWalked && (keyed != nullptr || keyedCount_ > 0)) BuildIndex();
     if (keyed != nullptr) {

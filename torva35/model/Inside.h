@@ -30,9 +30,15 @@ class Inside {
   static Long Count(const clsTORVATestStrings& strings) { return strings.Size(); }
 
   /// As `Item`, without a boundary of its own.
+  ///@{
   static Ref<clsTORVATestQuestion> Find(const clsTORVATestQuestions& questions, const TaggedValue& Index) {
     return questions.Find(Index);
   }
+  static Integer Item(const clsTORVATestCorrect& correct, Integer position) {
+    const TaggedValue* item = correct.items_.Find(Long{position});
+    return item == nullptr ? Integer{-1} : *item->As<Integer>();
+  }
+  ///@}
   /// The text at the index without a copy, or null when there is none. Valid until the list changes.
   static const String* Find(const clsTORVATestStrings& strings, const TaggedValue& Index) {
     return strings.Find(Index);

@@ -11,13 +11,13 @@ namespace TORVA35 {
 
 void SharedTexts::Add(const String& text) {
   const auto place = static_cast<Place>(texts_.size());
-  const Place first = first_.emplace(Fold(text), place).first->second;
+  const Place first = first_.emplace(text, place).first->second;
   texts_.push_back({Cut(text, kAddedUnits), text, first});
   areCopyable_ = areCopyable_ && IsCopyable(texts_.back().text);
 }
 
 SharedTexts::Place SharedTexts::First(StringView key) const {
-  const auto found = first_.find(Fold(key));
+  const auto found = first_.find(key);
   return found == first_.end() ? std::numeric_limits<Place>::max() : found->second;
 }
 

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "torva35/base/TaggedValue.h"
+#include "torva35/base/Text.h"
 #include "torva35/base/Types.h"
 #include "torva35/model/Collection.h"
 
@@ -46,7 +47,7 @@ class SharedTexts {
   };
 
   std::vector<Entry> texts_;
-  std::unordered_map<String, Place> first_;  // by the folded key
+  std::unordered_map<String, Place, HashNoCase, SameNoCase> first_;
   bool areCopyable_ = true;
 };
 

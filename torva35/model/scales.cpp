@@ -135,7 +135,7 @@ String clsTORVATest::CorrectAnswersAsString(const TaggedValue& vQuestionIndex, c
     const auto correct = Need(Inside::Find(Need(questions_), vQuestionIndex)).CorrectAnswers();
     const Long count = Inside::Count(Need(correct));
     for (Long i = 1; i <= count; ++i) {
-      const Integer number = Need(correct).Item(Narrow<Integer>(i));
+      const Integer number = Inside::Item(*correct, Narrow<Integer>(i));
       result += bNumeric ? Decimal(number) : scale.At(number);
       result += sDelimiter;
     }
@@ -154,7 +154,7 @@ Array<String> clsTORVATest::CorrectAnswersAsArray(const TaggedValue& vQuestionIn
     if (count == 0) return;
     std::vector<String> answers;
     for (Long i = 1; i <= count; ++i) {
-      const Integer number = Need(correct).Item(Narrow<Integer>(i));
+      const Integer number = Inside::Item(*correct, Narrow<Integer>(i));
       answers.push_back(bAsString ? scale.At(number) : Decimal(number));
     }
     result = Array<String>(0, std::move(answers));

@@ -1,6 +1,6 @@
 #include "torva35/platform/Kept.h"
 
-#include <vector>
+#include <deque>
 
 #include "torva35/platform/FaultGuard.h"
 #include "torva35/platform/ThreadOwned.h"
@@ -8,7 +8,7 @@
 namespace TORVA35::kept {
 namespace {
 
-using Slots = std::vector<Ref<const void>>;
+using Slots = std::deque<Slot>;
 
 thread_local Slots* slots = nullptr;
 
@@ -21,22 +21,12 @@ Slots*& OwnSlots() {
 constinit thread_local std::uint_least32_t statement = 0;
 constinit thread_local std::uint_least32_t lastStatement = 0;
 
-std::size_t Take(Ref<const void> object) {
-  if (object == nullptr) return kNone;
-  Slots& all = ThreadOwned<OwnSlots>();
-  all.push_back(std::move(object));
-  return all.size() - 1;
+Slot& Next() {
+  return ThreadOwned<OwnSlots>().emplace_back();
 }
 
-const Ref<const void>& In(std::size_t slot) noexcept {
-  return (*slots)[slot];
-}
-
-void Release(std::size_t slot) noexcept {
-  if (slot == kNone) return;
-  // Gone from its slot first, since what it releases may keep something in turn.
-  const Ref<const void> released = std::move((*slots)[slot]);
-  while (!slots->empty() && slots->back() == nullptr) slots->pop_back();
+void RemoveFree() noexcept {
+  while (!slots->empty() && slots->back().release == nullptr) slots->pop_back();
 }
 
 std::size_t Count() noexcept {
@@ -45,14 +35,14 @@ std::size_t Count() noexcept {
 
 void ReleaseFrom(std::size_t slot) noexcept {
   while (Count() > slot) {
-    const std::size_t last = slots->size() - 1;
+    Slot& last = slots->back();
     try {
-      RunGuarded([last] { Release(last); });
+      RunGuarded([&last] { last.release(last); });
     } catch (...) {
-      // Its slot is empty.
+      // Its slot is free.
     }
     // Those above what has faulted.
-    while (!slots->empty() && slots->back() == nullptr) slots->pop_back();
+    RemoveFree();
   }
 }
 

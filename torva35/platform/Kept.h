@@ -2,8 +2,9 @@
 
 #include <bit>
 #include <cstddef>
+#include <cstdint>
 #include <memory>
-#include <type_traits>
+#include <new>
 #include <utility>
 
 #include "torva35/base/CallSite.h"
@@ -15,14 +16,33 @@ namespace TORVA35 {
 /// when a processor fault abandons the frames of a member, what these held is released all the same.
 namespace kept {
 
-inline constexpr std::size_t kNone = static_cast<std::size_t>(-1);
+/// Removes the slots at the end that are free.
+void RemoveFree() noexcept;
 
-/// Takes a reference over and gives its slot; kNone for one that holds nothing.
-std::size_t Take(Ref<const void> object);
-/// What is in a slot.
-const Ref<const void>& In(std::size_t slot) noexcept;
-/// Releases what is in a slot.
-void Release(std::size_t slot) noexcept;
+/// Holds one reference, or is free. It stays where it is as long as it holds one.
+struct Slot {
+  template <class T>
+  void Take(Ref<T> reference) noexcept {
+    new (bytes) Ref<T>(std::move(reference));
+    release = [](Slot& slot) noexcept {
+      // Gone from its slot first, since what it releases may keep something in turn.
+      const Ref<T> released = std::move(slot.In<T>());
+      std::destroy_at(&slot.In<T>());
+      slot.release = nullptr;
+      RemoveFree();
+    };
+  }
+  template <class T>
+  Ref<T>& In() noexcept {
+    return *std::launder(reinterpret_cast<Ref<T>*>(bytes));
+  }
+
+  alignas(Ref<void>) std::byte bytes[sizeof(Ref<void>)];
+  void (*release)(Slot& slot) noexcept = nullptr;  // null when it is free
+};
+
+/// A slot that is free, for the caller to fill at once.
+Slot& Next();
 /// How many slots are in use, or were below one that is.
 std::size_t Count() noexcept;
 /// Releases all slots from this one on, after a fault. What faults in turn while it goes is left as it is.
@@ -40,21 +60,40 @@ void ReleaseFrom(std::size_t slot) noexcept;
 template <class T>
 class Kept {
  public:
-  explicit Kept(Ref<T> object) : object_(object.get()), slot_(kept::Take(std::move(object))) {}
+  explicit Kept(Ref<T> object) : object_(object.get()), slot_(object == nullptr ? nullptr : &kept::Next()) {
+    if (slot_ != nullptr) slot_->Take(std::move(object));
+  }
   Kept(const Kept&) = delete;
   Kept& operator=(const Kept&) = delete;
-  ~Kept() { kept::Release(slot_); }
+  ~Kept() {
+    if (slot_ != nullptr) slot_->release(*slot_);
+  }
 
   T* get() const { return object_; }
-  Ref<T> Share() const { return object_ == nullptr ? nullptr : Ref<T>(kept::In(slot_), object_); }
+  Ref<T> Share() const { return slot_ == nullptr ? nullptr : InPlace(); }
+  /// The reference where it is kept. There must be one.
+  Ref<T>& InPlace() const { return slot_->In<T>(); }
   T* operator->() const { return object_; }
   T& operator*() const { return *object_; }
   explicit operator bool() const { return object_ != nullptr; }
 
  private:
   T* object_;
-  std::size_t slot_;
+  kept::Slot* slot_;
 };
+
+namespace kept {
+
+template <class T>
+Ref<T> Shared(const Ref<T>& reference) {
+  return reference;
+}
+template <class T>
+Ref<T> Shared(const Kept<T>& reference) {
+  return reference.Share();
+}
+
+}  // namespace kept
 
 /// What may be a host's object, to call one of its members: `Ask(field).Name()`. A reference that holds nothing is
 /// a raised failure (91) at the caller's line. The line is also that of an `Error` that the host's object throws.
@@ -75,18 +114,14 @@ T& Ask(const Kept<T>& reference, CallSite at = CallSite::Current()) {
 ///
 /// Such an argument lives in the caller's frame, which a fault abandons. The C++ ABI of all our compilers passes
 /// it by its address, and the caller destroys it: so the method can be handed one that lives elsewhere.
-template <class Host, class Class, class Result, class Item, class... Rest, class... Values>
-Result HandOver(Host& host, Result (Class::*method)(Ref<Item>, Rest...),
-                const std::type_identity_t<Ref<Item>>& item, Values&&... rest) {
+/// item: a `Ref` or a `Kept`.
+template <class Host, class Class, class Result, class Item, class... Rest, class Held, class... Values>
+Result HandOver(Host& host, Result (Class::*method)(Ref<Item>, Rest...), const Held& item, Values&&... rest) {
   using ByAddress = Result (Class::*)(Ref<Item>&, Rest...);
-  const Kept argument(std::make_shared<Ref<Item>>(item));
-  return (host.*std::bit_cast<ByAddress>(method))(*argument, std::forward<Values>(rest)...);
-}
-template <class Host, class Class, class Result, class Item, class... Rest, class... Values>
-Result HandOver(Host& host, Result (Class::*method)(Ref<Item>, Rest...),
-                const std::type_identity_t<Kept<Item>>& item, Values&&... rest) {
-  const Kept shared(std::make_shared<Ref<Item>>(item.Share()));
-  return HandOver(host, method, *shared, std::forward<Values>(rest)...);
+  const Kept<Item> argument(kept::Shared(item));
+  Ref<Item> nothing;
+  return (host.*std::bit_cast<ByAddress>(method))(argument ? argument.InPlace() : nothing,
+                                                  std::forward<Values>(rest)...);
 }
 
 }  // namespace TORVA35
