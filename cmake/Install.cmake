@@ -57,8 +57,10 @@ if(TARGET torva35_tool)
   file(GLOB torva35_samples ${PROJECT_SOURCE_DIR}/examples/*.xml)
   install(FILES ${torva35_samples} DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/doc/${torva35_package_Tool}/examples
           COMPONENT Tool)
-  install(FILES ${torva35_docs}/findings.md ${torva35_docs}/files.md ${torva35_docs}/grading-scans.md
-                ${torva35_docs}/sheet.schema.json
+  install(DIRECTORY ${torva35_docs}/pictures DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/doc/${torva35_package_Tool}
+          COMPONENT Tool)
+  install(FILES ${torva35_docs}/grading.md ${torva35_docs}/grading-scans.md ${torva35_docs}/findings.md
+                ${torva35_docs}/files.md ${torva35_docs}/sheet.schema.json
           DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/doc/${torva35_package_Tool} COMPONENT Tool)
 endif()
 

@@ -26,8 +26,8 @@ struct PageOptions {
 /// below the other.
 std::string StudentPage(const Result& result, const PageOptions& options = {});
 
-/// The teacher's page, likewise one file: findings, keys of all versions, hand-graded questions, the table of old
-/// and new numbers, and the questions as they were read.
+/// The teacher's page, likewise one file: keys of all versions, findings (first if one is an error), hand-graded
+/// questions, the table of old and new numbers, and the questions as they were read.
 std::string TeacherPage(const Result& result, const PageOptions& options = {});
 
 }  // namespace TORVA35::sheet

@@ -99,10 +99,10 @@ class Table {
     return rules;
   }
 
-  // Cells are HTML already. On a narrow screen an empty one has no place.
+  // Cells are HTML already; those beyond the columns are left out. On a narrow screen an empty one has no place.
   void Row(const std::vector<std::string>& cells, const char* cssClass = "") {
     html_ += *cssClass == '\0' ? "<tr>" : std::string("<tr class=\"") + cssClass + "\">";
-    for (std::size_t i = 0; i < cells.size(); ++i) {
+    for (std::size_t i = 0; i < columns_.size(); ++i) {
       const Column& column = columns_[i];
       html_ += "<td class=\"" + std::string(column.cssClass) + (cells[i].empty() ? " empty" : "") +
                (column.autoDirection ? "\"><div dir=\"auto\">" : "\"><div>") + cells[i] + "</div></td>";
@@ -119,13 +119,22 @@ class Table {
 
 class Teacher {
  public:
-  Teacher(const Result& result, const PageOptions& options) : result_(result), words_(WordsOf(options.language)) {}
+  Teacher(const Result& result, const PageOptions& options) : result_(result), words_(WordsOf(options.language)) {
+    const bool objectives = std::any_of(result.files.begin(), result.files.end(), [](const File& file) {
+      return std::any_of(file.questions.begin(), file.questions.end(),
+                         [](const Question& question) { return !question.objectives.empty(); });
+    });
+    if (!objectives) return;
+    keys_.push_back({words_.objectives, "id", true});
+    questions_.push_back({words_.objectives, "id", true});
+  }
 
   std::string Html() const {
     const std::string title = result_.title.empty() ? words_.untitled : result_.title;
     std::string body = "<main>\n<header>\n<h1 dir=\"auto\">" + Escaped(title) + "</h1>\n<p class=\"facts\">" +
-                       Escaped(Facts()) + "</p>\n</header>\n" + Findings();
-    if (!result_.rows.empty()) body += Keys();
+                       Escaped(Facts()) + "</p>\n</header>\n";
+    const std::string keys = result_.rows.empty() ? std::string() : Keys();
+    body += result_.Has(Severity::kError) ? Findings() + keys : keys + Findings();  // what matters first
     if (result_.renumbered) body += Numbers();
     for (const Version& version : result_.versions) body += VersionKey(version);
     if (!result_.handGraded.empty()) body += ByHand();
@@ -324,19 +333,14 @@ class Teacher {
   const std::vector<Column> findings_ = {{words_.severity},           {words_.file, "file", true},
                                          {words_.question, "figure"}, {"ID", "id", true},
                                          {words_.line, "figure"},     {words_.finding, "text"}};
-  const std::vector<Column> keys_ = {
-      {words_.row, "figure"},         {words_.paper, "figure"}, {words_.key, "key"},
-      {words_.pointsHead, "figure"},  {"ID", "id", true},       {words_.text, "text", true},
-      {words_.objectives, "id", true}};
+  std::vector<Column> keys_ = {{words_.row, "figure"}, {words_.paper, "figure"},
+                               {words_.key, "key"},    {words_.pointsHead, "figure"},
+                               {"ID", "id", true},     {words_.text, "text", true}};
   const std::vector<Column> byHand_ = {
       {words_.question, "id", true}, {words_.pointsHead, "figure"}, {words_.text, "text", true}};
-  const std::vector<Column> questions_ = {{words_.question, "figure"},
-                                          {"ID", "id", true},
-                                          {words_.kind},
-                                          {words_.fateHead},
-                                          {words_.pointsHead, "figure"},
-                                          {words_.text, "text"},
-                                          {words_.objectives, "id", true}};
+  std::vector<Column> questions_ = {
+      {words_.question, "figure"},   {"ID", "id", true},   {words_.kind}, {words_.fateHead},
+      {words_.pointsHead, "figure"}, {words_.text, "text"}};
 };
 
 }  // namespace
