@@ -47,17 +47,18 @@ TORVA35_API String Upper(StringView text);
 TORVA35_API String Fold(StringView text);
 /// Whether the texts are equal without regard to case.
 TORVA35_API bool EqualNoCase(StringView left, StringView right);
-/// For a container with keys that are equal without regard to case.
-///@{
+/// Hashes texts that are equal without regard to case alike, for a container of keys.
 struct TORVA35_API HashNoCase {
-  using is_transparent = void;
+  using is_transparent = void;  ///< a key is found by a view of it
+  /// The hash; equal for equal folds.
   std::size_t operator()(StringView text) const noexcept;
 };
-struct SameNoCase {
-  using is_transparent = void;
+/// `EqualNoCase` for a container of keys.
+struct TORVA35_API SameNoCase {
+  using is_transparent = void;  ///< a key is found by a view of it
+  /// Whether the texts are equal without regard to case.
   bool operator()(StringView left, StringView right) const { return EqualNoCase(left, right); }
 };
-///@}
 
 /// Code of the character in the ANSI code page, windows-1252; 63 ("?") for one that the code page lacks.
 TORVA35_API Integer AnsiCode(char16_t unit);
