@@ -67,6 +67,10 @@ class Assembly {
     }
     result_.lmf = engine_->MIVLMF();
     result_.lmf->Description(FromUtf8(result_.title));
+    if (result_.renumbered) {
+      findings_.Add(Severity::kNote, "paper-numbers",
+                    "an LMF file keeps the numbers of the rows, and not those of the papers");
+    }
   }
 
  private:
@@ -164,7 +168,6 @@ class Assembly {
     taken.number = NumberOfRow(row);
     taken.paper = master_.papers[static_cast<std::size_t>(row - 1)];
     taken.kind = QuestionAt(master_, row).kind;
-    result_.renumbered = result_.renumbered || taken.number != taken.paper;
     std::vector<int> bubbles;
     for (const String& label : labels) {
       bubbles.push_back(label.empty() ? 0 : static_cast<int>(taken.labels.size()) + 1);
@@ -217,6 +220,8 @@ class Assembly {
     Version version{source.name, source.file, {}};
     for (Long row = 1; row <= graded_; ++row) {
       version.answers.push_back(TakeAnswer(source, row));
+      const bool same = version.answers.back().paper == result_.rows[static_cast<std::size_t>(row - 1)].number;
+      result_.renumbered = result_.renumbered || !same;
       if (v > 0) CompareWithRow(source, row);
     }
     result_.versions.push_back(std::move(version));
@@ -242,8 +247,10 @@ class Assembly {
       const int bubble = there ? bubbles_[at][static_cast<std::size_t>(correct - 1)] : 0;
       if (correct < 1 || correct > choices) {
         findings_.Add(Severity::kError, "beyond-choices", source.file, question,
-                      "the key of " + Called(question) + " names answer " + std::to_string(correct) +
-                          ", and there are " + std::to_string(choices));
+                      "the key of " + Called(question) +
+                          (correct < 1 ? std::string(" names something that is no letter")
+                                       : " names answer " + std::to_string(correct) + ", and there are " +
+                                             std::to_string(choices)));
       } else if (bubble == 0) {
         findings_.Add(Severity::kError, "no-bubble", source.file, question,
                       "no bubble stands for the right answer " + std::to_string(correct) + " of " +

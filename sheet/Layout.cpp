@@ -151,7 +151,10 @@ class Planner {
  public:
   Planner(const Result& result, const PageOptions& options) : result_(result), options_(options) {
     long largest = 0;
-    for (const Row& row : result.rows) largest = std::max({largest, row.number, row.paper});
+    for (const Row& row : result.rows) largest = std::max(largest, row.number);
+    for (const Version& version : result.versions) {
+      for (const Answer& answer : version.answers) largest = std::max(largest, answer.paper);
+    }
     digits_ = static_cast<int>(std::to_string(largest).size());
     number_ = std::max(90, kDigit * digits_ + 32);
     RangeItems();
@@ -178,22 +181,36 @@ class Planner {
     Item item;
   };
 
+  // Where a number of the papers is on the sheet: for each version, if they differ.
   void RangeItems() {
     if (!result_.renumbered) return;
+    const bool agree = PapersAgree(result_);
+    for (const Version& version : result_.versions) {
+      RangeItems(version, agree ? std::string() : version.name + ":");
+      if (agree) return;
+    }
+  }
+
+  void RangeItems(const Version& version, const std::string& name) {
     const std::vector<Row>& rows = result_.rows;
     const auto range = [](long first, long last) {
       return std::to_string(first) + (first == last ? "" : "–" + std::to_string(last));
     };
+    const auto paper = [&](std::size_t i) { return version.answers[i].paper; };
     for (std::size_t first = 0; first < rows.size();) {
       std::size_t next = first + 1;
-      while (next < rows.size() && rows[next].paper == rows[next - 1].paper + 1 &&
+      while (next < rows.size() && paper(next) == paper(next - 1) + 1 &&
              rows[next].number == rows[next - 1].number + 1) {
         ++next;
       }
       Item item;
-      item.caption = range(rows[first].paper, rows[next - 1].paper);
+      item.caption = range(paper(first), paper(next - 1));
       item.text = range(rows[first].number, rows[next - 1].number);
-      item.box = {0, 0, std::max(420, 4 * kDigit * digits_ + 180), 50};
+      if (!name.empty()) {
+        item.caption = name + " " + item.caption;
+        item.labelWidth = std::min(LabelWidth(name), kMostLabel);
+      }
+      item.box = {0, 0, item.labelWidth + std::max(420, 4 * kDigit * digits_ + 180), 50};
       flowing_.push_back({BlockKind::kNumbers, std::move(item)});
       first = next;
     }
@@ -421,6 +438,15 @@ class Planner {
 
 std::size_t CharacterCount(const std::string& text) {
   return Characters(text).size();
+}
+
+bool PapersAgree(const Result& result) {
+  const std::vector<Version>& versions = result.versions;
+  return std::all_of(versions.begin(), versions.end(), [&](const Version& version) {
+    return std::equal(version.answers.begin(), version.answers.end(), versions[0].answers.begin(),
+                      versions[0].answers.end(),
+                      [](const Answer& left, const Answer& right) { return left.paper == right.paper; });
+  });
 }
 
 int PrintedVersion(const Result& result, const PageOptions& options) {

@@ -49,9 +49,9 @@ struct Item {
   std::string
       text;      ///< printed beside it: where a row stands on the papers, or the text of a hand-graded question
   int row = -1;  ///< position in `Result::rows`; -1: it is no row
-  int labelWidth =
-      0;  ///< room at the right of each bubble, where its label stands; 0: the labels stand in the bubbles
-  double points = 0;  ///< of a hand-graded question
+  int labelWidth = 0;  ///< room at the right of each bubble, where its label stands; 0: the labels stand in the
+                       ///< bubbles. Of a range of numbers: room at its left, for the name of the version
+  double points = 0;   ///< of a hand-graded question
   std::vector<Strip> strips;
 };
 
@@ -77,6 +77,9 @@ std::vector<SheetPage> LayOut(const Result& result, const PageOptions& options);
 /// The version whose bubble is printed filled, as a position in `Result::versions`: the one of the options, or the
 /// only one; -1: students fill it in.
 int PrintedVersion(const Result& result, const PageOptions& options);
+
+/// Whether the papers of all versions have the same numbers.
+bool PapersAgree(const Result& result);
 
 /// Number of characters of a text of UTF-8.
 std::size_t CharacterCount(const std::string& text);

@@ -1,6 +1,7 @@
 #include "Reading.h"
 
 #include <algorithm>
+#include <cmath>
 #include <filesystem>
 #include <set>
 
@@ -101,7 +102,81 @@ class ExamViewFile {
   void Keep(const Survey::Element& element, const clsTORVATestQuestion& oQuestion) {
     Question question = PlainQuestion(oQuestion);
     SetPlace(question, element);
+    CheckKey(element, question);
+    CheckPoints(element, question);
     file_.questions.push_back(std::move(question));
+  }
+
+  // The library takes the first letter of a key, and of each part between commas, and passes over the rest.
+  void CheckKey(const Survey::Element& element, const Question& question) {
+    const bool letters = question.kind == TORVATestQuestionTypeMultipleChoice;
+    if (!letters && question.kind != TORVATestQuestionTypeTrueFalse &&
+        question.kind != TORVATestQuestionTypeYesNo) {
+      return;
+    }
+    for (const Survey::Value& key : element.keys) {
+      const String text = FromUtf8(key.text);
+      bool plain = true;
+      if (letters) {
+        for (const String& part : Split(text, u",")) {
+          const StringView letter = Trim(part);
+          plain = plain && (letter.size() < 2 || (letter.size() == 2 && letter[1] == u'.'));
+        }
+      } else {
+        plain = Trim(text).find_first_of(u" ,;/|&+-") == StringView::npos;
+      }
+      if (plain) continue;
+      findings_.Add(Severity::kError, "key", position_, question, key.line, key.column,
+                    "the key \"" + key.text + "\" is " +
+                        (letters ? "no list of letters with commas between them" : "not one answer") +
+                        ", and is read as " + LettersOf(question));
+    }
+    if (letters && !element.misplaced.text.empty()) {
+      findings_.Add(Severity::kError, "choices", position_, question, element.misplaced.line,
+                    element.misplaced.column,
+                    "the choices are not in order, so that the letters of the key may mean others: " +
+                        element.misplaced.text + " is not in its place");
+    }
+  }
+
+  static std::string LettersOf(const Question& question) {
+    std::string letters;
+    for (const int answer : question.correct) {
+      if (answer < 1 || answer > 26) continue;
+      const auto at = static_cast<std::size_t>(answer - 1);
+      letters += letters.empty() ? "" : ",";
+      letters += question.kind == TORVATestQuestionTypeMultipleChoice || at >= question.answers.size()
+                     ? std::string(1, static_cast<char>('A' + at))
+                     : question.answers[at];
+    }
+    return letters.empty() ? "none" : letters;
+  }
+
+  void CheckPoints(const Survey::Element& element, const Question& question) {
+    if (element.points.line == 0) return;
+    String digits;  // blanks between them do not count
+    for (const char16_t unit : FromUtf8(element.points.text)) {
+      if (unit != u' ') digits += unit;
+    }
+    bool exact = digits.empty();
+    try {
+      constexpr double kTolerance = 1e-6;  // a test holds points as short numbers
+      const double points = digits.empty() ? 0 : NumberOf(digits);
+      exact = std::abs(points - question.points) <= kTolerance * std::abs(points);
+    } catch (const Error&) {
+    }
+    const bool counts = question.kind == TORVATestQuestionTypeTrueFalse ||
+                        question.kind == TORVATestQuestionTypeYesNo ||
+                        question.kind == TORVATestQuestionTypeMultipleChoice;
+    const std::string gives = "a right answer gives " + PointsText(question.points) + " points";
+    if (!exact) {
+      findings_.Add(counts ? Severity::kError : Severity::kWarning, "points", position_, question,
+                    element.points.line, element.points.column,
+                    "the points \"" + element.points.text + "\" are no plain number: " + gives);
+    } else if (counts && question.points <= 0) {
+      findings_.Add(Severity::kWarning, "points", position_, question, element.points.line, element.points.column,
+                    gives);
+    }
   }
 
   void Lose(const Survey::Element& element, const Failure* failure) {

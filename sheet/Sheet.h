@@ -129,7 +129,7 @@ struct Result {
   std::vector<Version> versions;  ///< the first is the test as the first file has it
   std::vector<HandGraded> handGraded;
   std::vector<Finding> findings;  ///< in the order of files and questions
-  bool renumbered = false;        ///< some row has another number than the papers
+  bool renumbered = false;        ///< some row has another number than a version's paper
   Ref<clsLmf> lmf;                ///< the filled model, to be saved; nothing without `kDone`
 
   /// Whether a finding is at least as severe.

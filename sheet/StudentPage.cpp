@@ -179,11 +179,13 @@ class StudentPages {
         svg += Rectangle({item.box.x + 4, item.box.y, item.box.width - 8, item.box.height}, "stripe");
       }
       switch (block.kind) {
-        case BlockKind::kNumbers:
-          svg += TextAt(item.box.x + item.box.width / 2 - 24, item.box.y + 36, "number", item.caption) +
-                 TextAt(item.box.x + item.box.width / 2 - 12, item.box.y + 36, "to", "→") +
-                 TextAt(item.box.x + item.box.width / 2 + 34, item.box.y + 36, "new", item.text);
+        case BlockKind::kNumbers: {
+          const int middle = item.box.x + (item.labelWidth + item.box.width) / 2;
+          svg += TextAt(middle - 24, item.box.y + 36, "number", item.caption) +
+                 TextAt(middle - 12, item.box.y + 36, "to", "→") +
+                 TextAt(middle + 34, item.box.y + 36, "new", item.text);
           break;
+        }
         case BlockKind::kHandGraded:
           svg += PointsBox(item);
           texts += Overlay({item.box.x + 14, item.box.y + 48, item.box.width - 420, item.box.height - 54}, box,

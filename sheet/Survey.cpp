@@ -144,7 +144,9 @@ class ElementSurvey {
         for (IXMLDOMNode property = child.FirstChild(); property; property = property.NextSibling()) {
           WalkProperty(property);
         }
-      } else if (!OneOf(name, {"answer", "bi-display-mode"})) {
+      } else if (name == "answer") {
+        element_.keys.push_back(ValueOf(child));
+      } else if (name != "bi-display-mode") {
         AddNotRead(name, child);
       }
     }
@@ -157,6 +159,12 @@ class ElementSurvey {
 
   void WalkChoices(const IXMLDOMNode& choices) {
     for (IXMLDOMNode choice = choices.FirstChild(); choice; choice = choice.NextSibling()) {
+      // The letters of a key go by the places of the choices.
+      const std::string due = std::string("choice-") + static_cast<char>('a' + choices_);
+      if (element_.misplaced.text.empty() && NameOf(choice) != due) {
+        element_.misplaced = ValueOf(choice);
+        element_.misplaced.text = due;
+      }
       ++choices_;
       const std::string where = "choice " + std::to_string(choices_);
       if (!NameOf(choice).empty()) rich_.Walk(choice, where);
@@ -184,15 +192,12 @@ class ElementSurvey {
           "the scoring method \"" + ToUtf8(method) +
               "\" is not kept: the points are for all right answers together");
     }
-    const String text = points.Text();
-    // What is left of a number when all that a number is made of is gone.
-    const bool number = std::all_of(text.begin(), text.end(), [](char16_t unit) {
-      return (unit >= u'0' && unit <= u'9') || unit == u'.' || unit == u' ' || unit == u'\n' || unit == u'\t';
-    });
-    if (!number) {
-      Add(Severity::kWarning, "points", points,
-          "the points \"" + ToUtf8(InOneLine(text)) + "\" are no plain number");
-    }
+    element_.points = ValueOf(points);
+  }
+
+  static Survey::Value ValueOf(const IXMLDOMNode& node) {
+    const Place place = PlaceOf(node);
+    return {ToUtf8(InOneLine(node.Text())), place.line, place.column};
   }
 
   void AddNotRead(const std::string& name, const IXMLDOMNode& child) {

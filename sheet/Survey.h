@@ -17,12 +17,21 @@ struct Survey {
     std::string text;
   };
 
+  /// A text of the file, and where it stands.
+  struct Value {
+    std::string text;
+    long line = 0, column = 0;
+  };
+
   /// A question element.
   struct Element {
     std::string id;  ///< as the library makes it
     std::string type;
     std::string text;  ///< all characters of its text, in one line
     long line, column;
+    std::vector<Value> keys;  ///< texts of its key, mostly one
+    Value points;             ///< their text; line 0: the file does not say them
+    Value misplaced;          ///< the first choice that another name or place was due to; empty: there is none
     std::vector<Loss> losses;
   };
 

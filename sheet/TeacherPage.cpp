@@ -2,6 +2,7 @@
 #include <string>
 
 #include "Html.h"
+#include "Layout.h"
 #include "Words.h"
 #include "torva35/sheet/Page.h"
 
@@ -232,11 +233,18 @@ class Teacher {
   }
 
   std::string Numbers() const {
-    return ByRow(
-        "numbers", words_.renumbered, {{words_.onPaper, "figure"}, {words_.onSheet, "figure"}},
-        [&](std::size_t i) {
-          return std::vector{std::to_string(result_.rows[i].paper), std::to_string(result_.rows[i].number)};
-        });
+    const std::size_t papers = PapersAgree(result_) ? 1 : result_.versions.size();
+    std::vector<Column> columns = {{words_.onSheet, "figure"}};
+    for (std::size_t v = 0; v < papers; ++v) {
+      columns.push_back({words_.onPaper + (papers > 1 ? " " + NameOf(v) : std::string()), "figure"});
+    }
+    return ByRow("numbers", words_.renumbered, columns, [&](std::size_t i) {
+      std::vector<std::string> cells = {std::to_string(result_.rows[i].number)};
+      for (std::size_t v = 0; v < papers; ++v) {
+        cells.push_back(std::to_string(result_.versions[v].answers[i].paper));
+      }
+      return cells;
+    });
   }
 
   // The key of one version with what its paper asks at each row.

@@ -185,6 +185,15 @@ class Difference {
   const Question* question_ = nullptr;
 };
 
+// The IDs of a test in their order, as one text.
+String OrderOf(const Source& source) {
+  String order;
+  for (Long i = 1; i <= source.test->Questions()->Count(); ++i) {
+    order += Fold(source.test->Questions()->Item(i)->ID()) + u'\0';
+  }
+  return order;
+}
+
 }  // namespace
 
 bool CleanUp(const Options& options, Result& result, std::vector<Source>& sources, Recorder& recorder,
@@ -244,6 +253,7 @@ bool JoinVersions(const Result& result, const std::vector<Source>& sources, Reco
   const Source& master = sources.front();
   master.test->Sequences()->RemoveAll();
   master.test->Sequences()->AddDefault(master.test->Questions(), master.test->Version());
+  std::map<String, std::size_t> orders = {{OrderOf(master), 0}};
   for (std::size_t v = 1; v < sources.size(); ++v) {
     const Source& version = sources[v];
     recorder.About(result.files[static_cast<std::size_t>(version.file)].name);
@@ -252,7 +262,15 @@ bool JoinVersions(const Result& result, const std::vector<Source>& sources, Reco
     oEngine->Tests()->Add(version.test);
     const bool joined = oEngine->ValidTestVersions() && master.test->AddSequence(version.test);
     recorder.Rethrow();
-    if (joined) continue;
+    if (joined) {
+      const auto [other, fresh] = orders.emplace(OrderOf(version), v);
+      if (!fresh && master.test->Questions()->Count() > 1) {
+        findings.Add(Severity::kWarning, "same-order", version.file,
+                     "version " + version.name + " has its questions in the order of version " +
+                         sources[other->second].name);
+      }
+      continue;
+    }
     Difference difference(result, master, version);
     const std::string said = recorder.TakeDialog();
     const std::string begin = "version " + version.name + " is not the same test in another order: ";

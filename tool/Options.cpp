@@ -93,6 +93,11 @@ class CommandLine {
       return app_.exit(error) == 0 ? kDone : kWrongUsage;
     }
     for (const Long kind : objectives_) options_.sheet.objectives |= kind;
+    if (!versionNames_.empty()) {
+      for (const String& name : Split(FromUtf8(versionNames_), u",")) {
+        options_.sheet.versionNames.push_back(ToUtf8(name));
+      }
+    }
     return std::nullopt;
   }
 
@@ -134,12 +139,8 @@ class CommandLine {
   void AddSheet() {
     const char* const group = "Sheet";
     Add("--title", options_.sheet.title, "TEXT", group, "Title (default: that of the first file)");
-    app_.add_option("--version-names", options_.sheet.versionNames,
-                    "Names of the versions, as A,B,C (default: those of the files)")
-        ->delimiter(',')
-        ->allow_extra_args(false)
-        ->type_name("NAMES")
-        ->group(group);
+    Add("--version-names", versionNames_, "NAMES", group,
+        "Names of the versions, as A,B,C (default: those of the files)");
     app_.add_flag("--renumber", options_.sheet.renumber,
                   "Number the rows from 1 without gaps; the sheet has a table of both numbers")
         ->group(group);
@@ -161,7 +162,8 @@ class CommandLine {
     AddPath("--json", options_.json, "FILE", "Write all of it as JSON");
     AddPath("--save", options_.save, "FILE", "Write an LMF file");
     AddPath("--reader", options_.reader, "FOLDER", "Write layout and keys for a sheet reader");
-    app_.add_flag("-q,--quiet", options_.quiet, "Print errors only; questions count as answered with OK")
+    app_.add_flag("-q,--quiet", options_.quiet,
+                  "Of what is found print errors only; questions count as answered with OK")
         ->group(kOutput);
     app_.add_flag("--strict", options_.strict, "Warnings are errors")->group(kOutput);
     app_.add_flag("--force", options_.force, "Write what would grade wrong, too")->group(kOutput);
@@ -190,6 +192,7 @@ class CommandLine {
   CLI::App app_{kDescription, "torva35"};
   std::vector<const std::string*> paths_;  // of the outputs
   std::vector<Long> objectives_;
+  std::string versionNames_;
 };
 
 }  // namespace

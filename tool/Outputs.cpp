@@ -42,8 +42,10 @@ bool SameFile(const fs::path& left, const fs::path& right) {
 // A name that no other run has at the same time.
 fs::path Beside(const fs::path& target) {
   static std::random_device random;
+  constexpr std::size_t kMost = 200;  // bytes of a name, which a system has 255 for
   fs::path name = target;
-  name.replace_filename("." + target.filename().string() + "." + std::to_string(random()) + ".tmp");
+  name.replace_filename("." + target.filename().string().substr(0, kMost) + "." + std::to_string(random()) +
+                        ".tmp");
   return name;
 }
 
@@ -133,10 +135,14 @@ void Outputs::WriteBeside(Output& output) {
   }
   std::for_each(missing.rbegin(), missing.rend(), [&](const fs::path& folder) {
     if (fs::create_directory(folder, error)) folders_.push_back(folder);
+    if (error) Fail(output.name, error.message());
   });
   output.temporary = Beside(output.target);
   errno = 0;
-  if (!output.write(output.temporary.string())) Fail(output.name, LastError());
+  // An empty file first: what keeps it from being there is then told as the system says it.
+  if (!WriteContent(output.temporary.string(), "") || !output.write(output.temporary.string())) {
+    Fail(output.name, LastError());
+  }
   const fs::file_status before = fs::status(output.target, error);
   if (!fs::exists(before)) return;
   if ((before.permissions() & fs::perms::owner_write) == fs::perms::none) Fail(output.name, "may not be written");

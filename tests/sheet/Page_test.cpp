@@ -159,7 +159,9 @@ std::vector<Shape> Shapes() {
   for (int i = 1; i <= 40; ++i) versions.push_back("Monday, group " + std::to_string(i));
   Result mixed = Sheet(150, {kTrueFalse, kAtoE, Many(31), kAgree, Many(80), {"x"}});
   mixed.handGraded.assign(30, {"Subjective", "Why?", 2.5});
-  for (Row& row : mixed.rows) row.paper = row.number + row.number / 3;
+  for (Version& version : mixed.versions) {
+    for (Answer& answer : version.answers) answer.paper += answer.paper / 3 + version.file;
+  }
   mixed.renumbered = true;
   return {{"Plain", Sheet(60, {kAtoE, kFtoJ, kTrueFalse, {}}), {}},
           {"Mixed", mixed, {.language = "fr", .idDigits = 9}},
@@ -246,7 +248,11 @@ TEST_P(Sheets, AreXmlAndTheSameForEveryKey) {
   const std::string page = StudentPage(result, options);
   Parsed(TeacherPage(result, options));
   for (Version& version : result.versions) {
-    for (Answer& answer : version.answers) answer = Key(answer.question, {2, 3}, false, 7, -1, 0.5);
+    for (Answer& answer : version.answers) {
+      const long paper = answer.paper;
+      answer = Key(answer.question, {2, 3}, false, 7, -1, 0.5);
+      answer.paper = paper;
+    }
   }
   for (Row& row : result.rows) row.several = !row.several;
   for (File& file : result.files) {
@@ -264,7 +270,9 @@ INSTANTIATE_TEST_SUITE_P(Shapes, Sheets, testing::ValuesIn(Shapes()),
 
 TEST(StudentPage, ShowsTheNumbersOfPagesVersionsAndRows) {
   Result result = Sheet(150, {kAtoE}, {"A", "B", "C"});
-  for (Row& row : result.rows) row.paper = row.number + 10;
+  for (Version& version : result.versions) {
+    for (Answer& answer : version.answers) answer.paper += 10;
+  }
   result.renumbered = true;
   const std::string page = StudentPage(result, {.version = 2});
   EXPECT_THAT(page, HasSubstr("Page 1 of 2"));
@@ -281,6 +289,13 @@ TEST(StudentPage, ShowsTheNumbersOfPagesVersionsAndRows) {
     }
   }
   EXPECT_THAT(StudentPage(result, {.language = "de"}), HasSubstr("Seite 2 von 2"));
+  // Papers with other numbers have a table of their own.
+  result.versions[2].answers[149].paper = 170;
+  const std::string three = StudentPage(result);
+  for (const char* range : {">A: 11–160<", ">B: 11–160<", ">C: 11–159<", ">C: 170<"}) {
+    EXPECT_THAT(three, HasSubstr(range));
+    EXPECT_THAT(page, Not(HasSubstr(range)));
+  }
 }
 
 // Texts of the user that a careless writer would let through as markup, or that are no XML.

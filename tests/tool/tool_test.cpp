@@ -218,6 +218,7 @@ TEST_F(Tool, WritesNothingThatWouldGradeWrong) {
   EXPECT_THAT(Names(), testing::ElementsAre("a.json", "wrong.xml"));
   EXPECT_EQ(RunProgram(wrong + outputs + " --force").exitCode, 4);
   EXPECT_THAT(Names(), testing::ElementsAre("a.json", "k.csv", "s.html", "wrong.xml"));
+  EXPECT_EQ(RunProgram("-q " + kVersions + " --version-names , --csv " + Path("v.csv")).exitCode, 4);
   // Without a sheet only a program that reads the output gets what there is.
   EXPECT_THAT(RunProgram("-q --json - " + Write("none.xml", "<examview/>")).output,
               HasSubstr("\"status\": \"refused\""));
