@@ -82,7 +82,9 @@ Long NextTrue(const clsLmfObjectiveFlags& flags, Long k, Long count, CallSite at
 
 template <class Class, class T>
 bool IsOurs(const Ref<T>& object) {
-  return object != nullptr && typeid(*object) == typeid(Class);
+  if (object == nullptr) return false;
+  const T& held = *object;
+  return typeid(held) == typeid(Class);
 }
 
 // The objectives of a file's questions. The first objective of a file is the built-in one, which is never taken

@@ -233,7 +233,7 @@ void FormMerge::TakeScale() {
     Ask(values).Item(i, numbers.begin()[i - 1]);
   }
   // A question of our own has them.
-  if (typeid(*formQuestion_) != typeid(clsTemplateQuestion)) {
+  if (const clsTemplateQuestion& question = *formQuestion_; typeid(question) != typeid(clsTemplateQuestion)) {
     HandOver(Ask(formQuestion_), &clsTemplateQuestion::Labels, labels);
     HandOver(Ask(formQuestion_), &clsTemplateQuestion::Values, values);
   }
