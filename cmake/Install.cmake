@@ -10,6 +10,7 @@ if(TARGET torva35_sheet)
   list(APPEND torva35_installed torva35_sheet)
 endif()
 install(TARGETS ${torva35_installed} EXPORT TORVA35Targets
+        RUNTIME COMPONENT Runtime
         LIBRARY COMPONENT Runtime NAMELINK_COMPONENT Development
         ARCHIVE COMPONENT Development
         FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT Development

@@ -295,7 +295,8 @@ void Index() {
 
 // A test of the elements below examview.
 Ref<clsTORVATest> TestOf(const std::string& elements) {
-  const std::string path = std::filesystem::temp_directory_path() / ("guide-" + std::to_string(getpid()) + ".xml");
+  const std::string path =
+      (std::filesystem::temp_directory_path() / ("guide-" + std::to_string(getpid()) + ".xml")).string();
   std::ofstream(path) << "<examview>" << elements << "</examview>";
   auto oTest = New<clsTORVATest>();
   Expect(oTest->LoadXML(FromUtf8(path)));
@@ -412,7 +413,7 @@ int main(int argc, char** argv) {
   if (argc != 3) return 2;
   const std::string folder = argv[1];
   const std::string output =
-      std::filesystem::temp_directory_path() / ("guide-" + std::to_string(getpid()) + ".lmf");
+      (std::filesystem::temp_directory_path() / ("guide-" + std::to_string(getpid()) + ".lmf")).string();
 
   // [once]
   const auto oErr = New<MyErrorObject>();

@@ -1,12 +1,16 @@
 #pragma once
 
-#include <sys/mman.h>
 #include <unistd.h>
+
+#if defined(__linux__)
+#include <sys/mman.h>
+#endif
 
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <string>
 #include <string_view>
 
@@ -67,6 +71,8 @@ inline Ref<Host> FreshHost() {
   return host;
 }
 
+#if defined(__linux__)
+
 /// A file in memory with the given bytes.
 class InputFile {
  public:
@@ -83,6 +89,32 @@ class InputFile {
  private:
   int file_;
 };
+
+#else
+
+/// A file with the given bytes.
+class InputFile {
+ public:
+  explicit InputFile(std::string_view bytes)
+      : path_(std::filesystem::temp_directory_path() / ("torva35-input-" + std::to_string(getpid()))) {
+    std::ofstream file(path_, std::ios::binary);
+    file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    Require(file.flush().good(), "a file");
+  }
+  ~InputFile() {
+    std::error_code error;
+    std::filesystem::remove(path_, error);
+  }
+  InputFile(const InputFile&) = delete;
+  InputFile& operator=(const InputFile&) = delete;
+
+  String Path() const { return path_.u16string(); }
+
+ private:
+  std::filesystem::path path_;
+};
+
+#endif
 
 /// A name for a file that is written: in memory where the system has such a folder.
 inline String OutputPath() {

@@ -21,7 +21,7 @@ int main(int count, char** arguments) {
   std::sort(files.begin(), files.end());
   for (const auto& path : files) {
     // Before it runs, so that the last name is that of the input that ended the process.
-    std::fprintf(stderr, "%s\n", path.c_str());
+    std::fprintf(stderr, "%s\n", path.string().c_str());
     std::ifstream file(path, std::ios::binary);
     const std::string bytes{std::istreambuf_iterator<char>(file), {}};
     LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size());

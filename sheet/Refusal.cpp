@@ -43,7 +43,7 @@ constexpr Signature kSignatures[] = {
 
 std::string FirstBytes(const std::string& path) {
   std::string bytes(512, '\0');
-  std::ifstream file(path, std::ios::binary);
+  std::ifstream file(std::filesystem::path(FromUtf8(path)), std::ios::binary);
   file.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
   bytes.resize(static_cast<std::size_t>(file.gcount()));
   return bytes;
@@ -63,7 +63,7 @@ bool HasBinaryBytes(std::string_view bytes) {
 // A bank or test of ExamView's own, or a package of them, says so near its beginning, or in its name.
 bool IsBank(const std::string& path, std::string_view bytes) {
   const String begin = FromUtf8(bytes);
-  const String ending = FromUtf8(std::filesystem::path(path).extension().string());
+  const String ending = std::filesystem::path(FromUtf8(path)).extension().u16string();
   const bool named = EqualNoCase(ending, u".bnk") || EqualNoCase(ending, u".tst") ||
                      EqualNoCase(ending, u".ebk") || EqualNoCase(ending, u".eqb");
   const String lower = Lower(begin);
@@ -104,7 +104,7 @@ std::string WhyRefused(const std::string& path) {
     return clsLmf().Open(FromUtf8(path)) ? "an LMF file without a scored question that could be read"
                                          : "an LMF file that is damaged or of an unknown version";
   }
-  const bool lmf = EqualNoCase(FromUtf8(std::filesystem::path(path).extension().string()), u".lmf");
+  const bool lmf = EqualNoCase(std::filesystem::path(FromUtf8(path)).extension().u16string(), u".lmf");
   return (lmf ? "not an LMF file: its root element is <" : "not an ExamView export: its root element is <") +
          ToUtf8(root) + (lmf ? ">, not <lmf>" : ">, not <examview>");
 }

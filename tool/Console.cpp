@@ -1,10 +1,9 @@
 #include "Console.h"
 
-#include <unistd.h>
-
 #include <iostream>
 #include <vector>
 
+#include "System.h"
 #include "TextTable.h"
 
 namespace tool {
@@ -84,7 +83,7 @@ int Console::Ask(const sheet::Dialog& dialog) {
   }
   std::vector<Button> buttons(dialog.buttons.begin(), dialog.buttons.end());
   if (buttons.size() < 2) return 0;
-  if (isatty(STDIN_FILENO) == 0 || isatty(STDERR_FILENO) == 0) {
+  if (!IsTerminal(Stream::kInput) || !IsTerminal(Stream::kError)) {
     std::cerr << "(No terminal to ask: " << OneLine(buttons.front().name) << ")\n";
     return 0;
   }
@@ -92,7 +91,7 @@ int Console::Ask(const sheet::Dialog& dialog) {
 }
 
 void Console::Show(const sheet::Progress& progress) {
-  if (quiet_ || isatty(STDERR_FILENO) == 0) return;
+  if (quiet_ || !IsTerminal(Stream::kError)) return;
   const std::string file = progress.file.empty() ? "" : " " + OneLine(FromUtf8(progress.file));
   std::cerr << "\r\x1b[K" << progress.step << file << " (" << progress.done + 1 << " of " << progress.total << ")"
             << std::flush;

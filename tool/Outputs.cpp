@@ -9,6 +9,7 @@
 #include <system_error>
 
 #include "Stop.h"
+#include "System.h"
 
 namespace tool {
 
@@ -44,14 +45,14 @@ fs::path Beside(const fs::path& target) {
   static std::random_device random;
   constexpr std::size_t kMost = 200;  // bytes of a name, which a system has 255 for
   fs::path name = target;
-  name.replace_filename("." + target.filename().string().substr(0, kMost) + "." + std::to_string(random()) +
-                        ".tmp");
+  name.replace_filename(
+      PathOf("." + Utf8Of(target.filename()).substr(0, kMost) + "." + std::to_string(random()) + ".tmp"));
   return name;
 }
 
 bool WriteContent(const std::string& path, const std::string& content) {
   errno = 0;
-  std::ofstream file(path, std::ios::binary);
+  std::ofstream file(PathOf(path), std::ios::binary);
   file.write(content.data(), static_cast<std::streamsize>(content.size()));
   return file.flush().good();
 }
@@ -59,7 +60,7 @@ bool WriteContent(const std::string& path, const std::string& content) {
 }  // namespace
 
 void Outputs::Protect(const std::string& path) {
-  protected_.push_back(Target(path));
+  protected_.push_back(Target(PathOf(path)));
   std::error_code error;
   const fs::path output(kOutputDevice);
   if (fs::is_regular_file(output, error) && fs::equivalent(output, protected_.back(), error)) {
@@ -69,8 +70,8 @@ void Outputs::Protect(const std::string& path) {
 
 void Outputs::Add(const std::string& path, std::string content) {
   std::error_code error;
-  const fs::file_status status = path == kStandardOutput ? fs::file_status() : fs::status(path, error);
-  Output output{path, Target(path == kStandardOutput ? kOutputDevice : path), {}, std::move(content)};
+  const fs::file_status status = path == kStandardOutput ? fs::file_status() : fs::status(PathOf(path), error);
+  Output output{path, Target(PathOf(path == kStandardOutput ? kOutputDevice : path)), {}, std::move(content)};
   output.straight =
       path == kStandardOutput || (fs::exists(status) && !fs::is_regular_file(status) && !fs::is_directory(status));
   if (output.straight) {
@@ -83,7 +84,7 @@ void Outputs::Add(const std::string& path, std::string content) {
 
 void Outputs::Add(const std::string& path, std::function<bool(const std::string& path)> write) {
   std::error_code error;
-  Output output{path, Target(path), std::move(write), {}};
+  Output output{path, Target(PathOf(path)), std::move(write), {}};
   output.replaces = fs::exists(output.target, error);
   if (path == kStandardOutput) Fail(path, "cannot be written to standard output");
   if (fs::is_directory(output.target, error)) Fail(path, "is a folder");
@@ -139,10 +140,9 @@ void Outputs::WriteBeside(Output& output) {
   });
   output.temporary = Beside(output.target);
   errno = 0;
+  const std::string temporary = Utf8Of(output.temporary);
   // An empty file first: what keeps it from being there is then told as the system says it.
-  if (!WriteContent(output.temporary.string(), "") || !output.write(output.temporary.string())) {
-    Fail(output.name, LastError());
-  }
+  if (!WriteContent(temporary, "") || !output.write(temporary)) Fail(output.name, LastError());
   const fs::file_status before = fs::status(output.target, error);
   if (!fs::exists(before)) return;
   if ((before.permissions() & fs::perms::owner_write) == fs::perms::none) Fail(output.name, "may not be written");
@@ -164,8 +164,7 @@ void Outputs::PutInPlace(Output& output) {
   if (fs::exists(output.target, error) && !output.replaces) Fail(output.name, "is there by now");
   if (output.replaces) {
     const fs::path before = Beside(output.target);
-    fs::create_hard_link(output.target, before, error);
-    if (error) fs::copy_file(output.target, before, error);
+    KeepBefore(output.target, before, error);
     if (error) Fail(output.name, error.message());
     output.before = before;
   }

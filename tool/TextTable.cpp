@@ -1,14 +1,12 @@
 #include "TextTable.h"
 
-#include <sys/ioctl.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <charconv>
 #include <cstdlib>
-#include <cwchar>
 #include <numeric>
 #include <string_view>
+
+#include "System.h"
 
 namespace tool {
 
@@ -28,8 +26,8 @@ std::size_t UnitsOfFirst(StringView text) {
 
 // Columns that the character takes in a terminal: 0 to 2, or -1 for a control character.
 int ColumnsOfFirst(StringView text) {
-  if (UnitsOfFirst(text) == 1) return wcwidth(text[0]);
-  return wcwidth(static_cast<wchar_t>(0x10000 + ((text[0] - 0xD800) << 10) + (text[1] - 0xDC00)));
+  if (UnitsOfFirst(text) == 1) return CharacterColumns(text[0]);
+  return CharacterColumns(0x10000 + (static_cast<char32_t>(text[0] - 0xD800) << 10) + (text[1] - 0xDC00u));
 }
 
 // The text without what a terminal would not print as itself.
@@ -77,8 +75,7 @@ std::size_t OutputWidth() {
     std::from_chars(columns, columns + std::string_view(columns).size(), width);
     return width;
   }
-  winsize size{};
-  return ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 ? size.ws_col : 0;
+  return TerminalWidth();
 }
 
 std::string OneLine(StringView text) {

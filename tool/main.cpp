@@ -1,17 +1,13 @@
 // The program torva35: reads files, lets the library make a sheet of them, and prints and writes what came of it.
 // No rule about a test stands here.
 
-#include <fcntl.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <cerrno>
-#include <clocale>
-#include <csignal>
 #include <cstdio>
 #include <cstring>
 #include <exception>
 #include <filesystem>
+#include <fstream>
 #include <iostream>
 #include <optional>
 #include <system_error>
@@ -24,6 +20,7 @@
 #include "Options.h"
 #include "Outputs.h"
 #include "Stop.h"
+#include "System.h"
 #include "Tables.h"
 
 using namespace tool;
@@ -37,29 +34,31 @@ constexpr char kStandard[] = "-";
 class InputCopy {
  public:
   InputCopy() {
-    static const std::string kFolder = std::filesystem::temp_directory_path().string();
-    path_ = kFolder + "/torva35-XXXXXX";
-    const int file = mkstemp(path_.data());
-    if (file < 0) throw Outputs::Trouble{path_ + ": cannot be written"};
-    FILE* copy = fdopen(file, "wb");
+    path_ = MakeTemporaryFile();
+    if (path_.empty()) throw Outputs::Trouble{"the copy of standard input: cannot be written"};
+    std::ofstream copy(PathOf(path_), std::ios::binary);
     char part[1 << 16];
-    bool good = true;
     for (std::size_t count; (count = std::fread(part, 1, sizeof part, stdin)) > 0;) {
-      good = std::fwrite(part, 1, count, copy) == count && good;
+      copy.write(part, static_cast<std::streamsize>(count));
     }
     const std::string unread = std::ferror(stdin) != 0 ? std::strerror(errno) : "";
-    good = std::fclose(copy) == 0 && good;
-    if (good && unread.empty()) return;
-    std::remove(path_.c_str());
+    copy.close();
+    if (copy.good() && unread.empty()) return;
+    Remove();
     throw Outputs::Trouble{unread.empty() ? path_ + ": cannot be written" : "standard input: " + unread};
   }
-  ~InputCopy() { std::remove(path_.c_str()); }
+  ~InputCopy() { Remove(); }
   InputCopy(const InputCopy&) = delete;
   InputCopy& operator=(const InputCopy&) = delete;
 
   const std::string& Path() const { return path_; }
 
  private:
+  void Remove() const {
+    std::error_code error;
+    std::filesystem::remove(PathOf(path_), error);
+  }
+
   std::string path_;
 };
 
@@ -194,17 +193,17 @@ class Run {
   // A folder that a version of an earlier sheet has left there would have its scans graded with the wrong key.
   void CheckReaderFolder(const std::vector<sheet::OutputFile>& files) const {
     namespace fs = std::filesystem;
-    const fs::path folder(options_.reader);
+    const fs::path folder = PathOf(options_.reader);
     std::error_code error;
     if (!fs::exists(folder, error)) return;
     if (!fs::is_directory(folder, error)) throw Outputs::Trouble{options_.reader + ": is no folder"};
     for (const fs::directory_entry& entry : fs::recursive_directory_iterator(folder, error)) {
-      const std::string path = entry.path().lexically_relative(folder).generic_string();
+      const fs::path path = entry.path().lexically_relative(folder);
       const bool layout = entry.path().filename() == "template.json";
       const bool ours = std::any_of(files.begin(), files.end(),
-                                    [&](const sheet::OutputFile& file) { return file.path == path; });
+                                    [&](const sheet::OutputFile& file) { return PathOf(file.path) == path; });
       if (!layout || ours) continue;
-      throw Outputs::Trouble{entry.path().string() +
+      throw Outputs::Trouble{Utf8Of(entry.path()) +
                              ": is of another sheet; remove its folder, or name another one"};
     }
   }
@@ -214,15 +213,6 @@ class Run {
   std::optional<InputCopy> standardInput_;
   Outputs outputs_;
 };
-
-// A file that is opened must not become a standard stream that the caller has closed. These fail when they are
-// used.
-void FillStandardStreams() {
-  for (const auto& [stream, mode] :
-       {std::pair{STDIN_FILENO, O_WRONLY}, {STDOUT_FILENO, O_RDONLY}, {STDERR_FILENO, O_RDONLY}}) {
-    if (fcntl(stream, F_GETFD) < 0) open("/dev/null", mode);
-  }
-}
 
 ExitCode RunAll(const Options& options) {
   try {
@@ -238,9 +228,8 @@ ExitCode RunAll(const Options& options) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  FillStandardStreams();
-  std::setlocale(LC_CTYPE, "C.UTF-8");  // for the width of characters in the terminal
-  std::signal(SIGPIPE, SIG_IGN);        // a reader that goes away is a failed write, which is said
+  PrepareStreams();
+  PutArgumentsInUtf8(argc, argv);
   Options options;
   if (const auto exitCode = ReadCommandLine(argc, argv, options)) return std::cout.flush() ? *exitCode : kFailed;
   CatchStops();

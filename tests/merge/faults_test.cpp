@@ -27,6 +27,7 @@ class MemberFaults : public MergeTest {
       host->reply = 6;
       merged |= engine->Merge();  // the process lives on, and a dialog is a dialog again
       std::string text = (merged ? "merged " : "not merged ") + std::to_string(host->dialogs.size());
+      TakeDialogs();
       return text + ", " + TakeFailures();
     });
   }
@@ -103,6 +104,7 @@ TEST_F(MemberFaults, ReleaseTheOwnerOfADialogAndEachReference) {
               own->TemplateIn(New<Going>());
               own->TemplateOut(New<Going>());
               own.reset();
+              TakeDialogs();
               return std::to_string(left) + " left, " + TakeFailures();
             }),
             "0 left, 10005 clsTORVA.Merge, 10005 clsTORVA.Class_Terminate, 10005 clsTORVA.Class_Terminate");

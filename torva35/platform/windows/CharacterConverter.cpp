@@ -9,6 +9,8 @@
 namespace TORVA35 {
 namespace {
 
+constexpr UINT kAscii = 20127;
+
 struct Name {
   std::string_view name;  // in capitals, without "-" and "_"
   UINT page;
@@ -52,11 +54,13 @@ bool HasStates(UINT page) {
          page == 65000 || page == 65001 || page == 1200 || page == 1201 || page == 12000 || page == 12001;
 }
 
-bool IsControl(wchar_t unit) {
-  return unit >= 0x80 && unit < 0xA0;
-}
-bool IsPrivate(wchar_t unit) {
-  return unit >= 0xE000 && unit < 0xF900;
+// Where a page has no character, the system gives the control character of the same number, or one of its own.
+bool IsNone(UINT page, std::string_view bytes, wchar_t unit) {
+  const auto byte = static_cast<unsigned char>(bytes.front());
+  const bool hasControls = page > 28590 && page <= 28606;  // ISO-8859
+  if (bytes.size() == 1 && page == kAscii) return byte >= 0x80;
+  if (bytes.size() == 1 && unit == byte && unit >= 0x80 && unit < 0xA0) return !hasControls;
+  return bytes.size() == 1 && unit >= 0xE000 && unit < 0xF900;
 }
 
 }  // namespace
@@ -76,18 +80,16 @@ CharacterConverter::Outcome CharacterConverter::Convert(std::string_view bytes, 
   const auto page = static_cast<UINT>(reinterpret_cast<std::uintptr_t>(converter_));
   CPINFO information{};
   GetCPInfo(page, &information);
-  const bool single = information.MaxCharSize == 1;
   std::array<wchar_t, 8> units;
   const int count = MultiByteToWideChar(page, MB_ERR_INVALID_CHARS, bytes.data(), static_cast<int>(bytes.size()),
                                         units.data(), static_cast<int>(units.size()));
   if (count <= 0) {
-    const bool more = bytes.size() < information.MaxCharSize && (bytes.size() > 1 || !single) &&
-                      IsDBCSLeadByteEx(page, static_cast<BYTE>(bytes.front())) != 0;
-    return more ? Outcome::kIncomplete : Outcome::kInvalid;
+    // The system tells first bytes only where no character has more than two.
+    const bool begins =
+        information.MaxCharSize > 2 || IsDBCSLeadByteEx(page, static_cast<BYTE>(bytes.front())) != 0;
+    return begins && bytes.size() < information.MaxCharSize ? Outcome::kIncomplete : Outcome::kInvalid;
   }
-  // Where a page has no character, the system gives a control character or one of its own.
-  const bool none = single && ((IsControl(units[0]) && page < 28591) || IsPrivate(units[0]));
-  if (none) return Outcome::kInvalid;
+  if (IsNone(page, bytes, units[0])) return Outcome::kInvalid;
   characters.clear();
   for (int i = 0; i < count; ++i) {
     const auto unit = static_cast<char32_t>(units[static_cast<std::size_t>(i)]);

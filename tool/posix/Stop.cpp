@@ -1,4 +1,4 @@
-#include "Stop.h"
+#include "../Stop.h"
 
 #include <csignal>
 #include <stdexcept>
