@@ -1,7 +1,6 @@
 #include "Words.h"
 
 #include <algorithm>
-#include <charconv>
 #include <iterator>
 
 namespace TORVA35::sheet {
@@ -281,9 +280,7 @@ std::string Filled(const std::string& text, const std::string& first, const std:
 }
 
 std::string NumberText(const Words& words, double number) {
-  char digits[400];
-  const auto end = std::to_chars(digits, digits + sizeof digits, number, std::chars_format::fixed).ptr;
-  std::string text(digits, end);
+  std::string text = ToUtf8(TextOf(number));
   std::replace(text.begin(), text.end(), '.', words.point);
   return text;
 }

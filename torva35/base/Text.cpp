@@ -9,7 +9,10 @@
 #include <cstring>
 #include <iterator>
 #include <limits>
+#include <type_traits>
 #include <vector>
+
+#include "torva35/base/Numbers.h"
 
 namespace TORVA35 {
 namespace {
@@ -61,7 +64,7 @@ StringView WithoutBlanksAround(StringView text) {
   return text;
 }
 
-// The number at the start of a text, copied out in the form that std::from_chars reads.
+// The number at the start of a text, copied out in the form that `DoubleOf` reads.
 struct ScannedNumber {
   std::string text;
   bool negative = false;
@@ -108,48 +111,30 @@ ScannedNumber ScanNumber(StringView text, bool skipsBlanks) {
   return number;
 }
 
-// std::from_chars says "out of range" at both ends; a number without a whole part that counts is the small end.
-bool IsBelowOne(std::string_view number) {
-  const std::size_t mark = number.find('e');
-  const std::string_view mantissa = number.substr(0, mark);
-  std::int64_t exponent = 0;
-  if (mark != number.npos) {
-    std::string_view digits = number.substr(mark + 1);
-    if (digits.front() == '+') digits.remove_prefix(1);
-    const auto read = std::from_chars(digits.data(), digits.data() + digits.size(), exponent);
-    if (read.ec != std::errc()) return digits.front() == '-';
-  }
-  const std::size_t point = std::min(mantissa.find('.'), mantissa.size());
-  const std::size_t leading = mantissa.find_first_of("123456789");
-  if (leading == mantissa.npos) return true;
-  return exponent <= static_cast<std::int64_t>(leading) - static_cast<std::int64_t>(point);
-}
-
 template <class Floating>
 Floating Converted(const ScannedNumber& number, CallSite at) {
   if (number.text.empty()) return 0;
-  Floating value = 0;
-  const auto read = std::from_chars(number.text.data(), number.text.data() + number.text.size(), value);
-  if (read.ec == std::errc::result_out_of_range) {
-    if (!IsBelowOne(number.text)) Raise(kOverflow, at);
-    value = 0;
+  Floating value;
+  if constexpr (std::is_same_v<Floating, Single>) {
+    value = SingleOf(number.text).value();
+  } else {
+    value = DoubleOf(number.text).value();
   }
+  if (std::isinf(value)) Raise(kOverflow, at);
   return number.negative ? -value : value;
 }
 
 template <class Floating>
 String ShortestText(Floating value) {
-  std::array<char, 64> buffer;
   if (!std::isfinite(value)) return std::isnan(value) ? u"NaN" : value > 0 ? u"Infinity" : u"-Infinity";
   if (value == 0) return u"0";
   // Plain digits where they stay readable, an exponent for the very large and the very small.
   const Floating size = std::abs(value);
   const bool plain = size >= Floating(1e-5) && size < Floating(1e15);
-  const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value,
-                                 plain ? std::chars_format::fixed : std::chars_format::scientific);
-  String text(buffer.data(), end.ptr);
-  std::replace(text.begin(), text.end(), u'e', u'E');
-  return text;
+  std::string digits;
+  AppendShortest(digits, value, plain ? Layout::kFixed : Layout::kScientific);
+  std::replace(digits.begin(), digits.end(), 'e', 'E');
+  return String(digits.begin(), digits.end());
 }
 
 bool AreAscii(const unsigned char* eight) {

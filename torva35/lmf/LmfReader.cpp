@@ -1,11 +1,14 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <cmath>
+#include <concepts>
 #include <iterator>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "torva35/base/Numbers.h"
 #include "torva35/base/Text.h"
 #include "torva35/lmf/LmfFile.h"
 #include "torva35/platform/InputFile.h"
@@ -18,7 +21,16 @@ namespace {
 
 // Each Parse gives False for a value that does not have the form of its type, or is out of its range.
 
-template <class Number>
+bool Parse(std::string_view text, Double& number) {
+  const auto value = DoubleOf(text);
+  if (!value) return false;
+  number = *value;
+  // Digits that come to nothing or to infinity are out of range.
+  const std::string_view mantissa = text.substr(0, text.find_first_of("eE"));
+  return mantissa.find_first_of("123456789") == mantissa.npos || (number != 0 && !std::isinf(number));
+}
+
+template <std::integral Number>
 bool Parse(std::string_view text, Number& number) {
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
   return error == std::errc() && end == text.data() + text.size();

@@ -1,13 +1,14 @@
 #include <zlib.h>
 
 #include <charconv>
-#include <cmath>
+#include <concepts>
 #include <cstdio>
 #include <optional>
 #include <string>
 #include <typeinfo>
 #include <utility>
 
+#include "torva35/base/Numbers.h"
 #include "torva35/base/Text.h"
 #include "torva35/lmf/LmfFile.h"
 #include "torva35/platform/FileReplacement.h"
@@ -227,7 +228,8 @@ class Writer {
   }
 
   // A Double in the shortest form that reads back as the same value.
-  template <class Number>
+  void AppendNumber(Double value) { AppendShortest(buffer_, value); }
+  template <std::integral Number>
   void AppendNumber(Number value) {
     char text[32];
     buffer_.append(text, std::to_chars(text, text + sizeof(text), value).ptr);
