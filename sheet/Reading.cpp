@@ -293,6 +293,16 @@ class LmfFile {
                                             : test_->Description());
     file_.oddScale = Plain(*test_->MultipleChoiceOddScale());
     file_.evenScale = Plain(*test_->MultipleChoiceEvenScale());
+    for (Long i = 1; i <= test_->Questions()->Count(); ++i) {
+      const clsTORVATestQuestion& oQuestion = *test_->Questions()->Item(i);
+      if (std::isfinite(oQuestion.CorrectPoints()) && std::isfinite(oQuestion.IncorrectPoints()) &&
+          std::isfinite(oQuestion.NoResponsePoints()) && std::isfinite(oQuestion.SubjectivePoints())) {
+        continue;
+      }
+      findings_.Add(Severity::kError, "refused", position_,
+                    "the points of the question at position " + std::to_string(i) + " are no number");
+      return Reading::kRefused;
+    }
     TakeQuestions();
     return TakeVersions(sources) ? Reading::kDone : Reading::kFailed;
   }
@@ -310,16 +320,23 @@ class LmfFile {
       if (oStored.Multiples() > 0) oQuestion.CorrectAnd(true);
       Question question = PlainQuestion(oQuestion);
       question.number = NumberOnPaper(oStored, i);
-      if (oQuestion.QuestionType() != TORVATestQuestionTypeSubjective) CheckKey(oStored, question);
+      if (oQuestion.QuestionType() != TORVATestQuestionTypeSubjective) {
+        CheckKey(oStored, question);
+        CheckPoints(question);
+      }
       file_.questions.push_back(std::move(question));
     }
     for (Long k = 1; k <= lmf_->Questions()->Count(); ++k) {
       const clsLmfQuestion& oStored = *lmf_->Questions()->Item(k);
-      if (!oStored.Subjective() || taken.contains(k)) continue;
-      findings_.Add(Severity::kWarning, "left-out", position_,
-                    "the question \"" + ToUtf8(oStored.Name()) +
-                        "\" is left out: it is graded by hand and stands before one that is not");
+      if (taken.contains(k) || k == lmf_->Versions()->SequenceQuestion()) continue;
+      const bool byHand = oStored.Subjective();
+      findings_.Add(byHand ? Severity::kWarning : Severity::kNote, "left-out", position_,
+                    "the question \"" + ToUtf8(oStored.Name()) + "\" is left out: it is " +
+                        (byHand ? "graded by hand and stands before one that is not" : "not graded"));
     }
+    if (disorder_.empty()) return;
+    findings_.Add(Severity::kError, "numbering", position_,
+                  "the question \"" + disorder_ + "\" does not have a higher number than the ones before it");
   }
 
   // Rows of a sheet are named by their numbers. A file of another making counts its questions.
@@ -331,14 +348,28 @@ class LmfFile {
     if (value > lastNumber_) {
       lastNumber_ = value;
     } else {
+      if (number && disorder_.empty()) disorder_ = name;
       lastNumber_ = std::max<long>(lastNumber_ + 1, position);
     }
     return lastNumber_;
   }
 
+  void CheckPoints(const Question& question) {
+    if (question.points > std::max({0.0, question.incorrectPoints, question.noResponsePoints})) return;
+    findings_.Add(Severity::kWarning, "points", position_, question,
+                  "a right answer gives " + PointsText(question.points) + " points, a wrong one " +
+                      PointsText(question.incorrectPoints) + ", and none " +
+                      PointsText(question.noResponsePoints));
+  }
+
   // The library drops the marks of a key that no label has.
   void CheckKey(const clsLmfQuestion& oStored, const Question& question) {
     const Long entries = oStored.CorrectLabels()->Count();
+    if (entries > 1) {
+      findings_.Add(Severity::kError, "key", position_, question,
+                    "question " + std::to_string(question.number) + " has " + std::to_string(entries) +
+                        " keys, of which the first one is read");
+    }
     String key = entries == 0 ? String() : oStored.CorrectLabels()->Item(1);
     if (key.size() >= 2 && key.front() == u'(' && key.back() == u')') key = key.substr(1, key.size() - 2);
     std::set<String> marks;
@@ -421,6 +452,7 @@ class LmfFile {
   Ref<clsLmf> lmf_ = New<clsLmf>();
   Ref<clsTORVATest> test_ = New<clsTORVATest>();
   long lastNumber_ = 0;
+  std::string disorder_;  // the first name that is a number, and not higher than those before it
 };
 
 }  // namespace
@@ -430,7 +462,7 @@ std::string Called(const Question& question) {
 }
 
 double ExactPoints(Single points) {
-  return NumberOf(TextOf(points));
+  return std::isfinite(points) ? NumberOf(TextOf(points)) : points;
 }
 
 Question PlainQuestion(const clsTORVATestQuestion& oQuestion) {

@@ -56,6 +56,17 @@ std::string TrueFalse(const std::string& id, const std::string& answer = "T") {
          "</answer></question>";
 }
 
+std::string Lmf(const std::string& rows) {
+  return "<lmf version='1' mode='1' pageCount='1'><objectives><objective text='(All Questions)'/></objectives><questions>" +
+         rows + "</questions><versions/></lmf>";
+}
+
+std::string LmfRow(const std::string& name, const std::string& key, const std::string& more) {
+  return "<question name='" + name + "' labels='A|B|C|' values='1|2|3|' correctLabels='" + key +
+         "' correctCount='1' objectives='1:0' " + more + "/>";
+}
+
+const std::string kGraded = "graded='1' correctPoints='1'";
 const std::string kEssay = "<question type='es' question-id='e'><text>Write.</text></question>";
 const std::string kSequence = "<mc-choice-sequence value='abcde_fghij'/>";
 
@@ -166,6 +177,15 @@ std::vector<Case> Cases() {
        {Exam("<question type='mc'><choices><choice-a>" + std::string(51, 'x') +
              "</choice-a><choice-b>y</choice-b></choices><answer>A</answer></question>")},
        {"note cut 1"}},
+      {"LmfFile",
+       {Lmf(LmfRow("1", "A|", kGraded) + LmfRow("name", "", "") + LmfRow("5", "(A,Q)|", kGraded) +
+            LmfRow("2", "A|B|", kGraded) + LmfRow("7", "(A,B)|", kGraded) + LmfRow("8", "B|", "graded='1'"))},
+       {"note left-out", "error no-bubble 5", "error numbering", "error key 6", "warning any-of-several 7",
+        "warning points 8", "note no-version"}},
+      {"LmfPoints",
+       {Lmf(LmfRow("1", "A|", "graded='1' correctPoints='inf'"))},
+       {"error refused"},
+       Status::kRefused},
       // Not even a test.
       {"NoTest", {"<other/>"}, {"error refused"}, Status::kRefused},
       {"NoXml", {"x"}, {"error refused"}, Status::kRefused},
