@@ -329,6 +329,10 @@ TEST(TeacherPage, ShowsKeysAndFindings) {
   EXPECT_THAT(page, HasSubstr("<span class=\"none\">keine</span>"));
   EXPECT_THAT(page, HasSubstr("A picture was left out"));
   EXPECT_THAT(page, HasSubstr("<div>12:5</div>"));
+  EXPECT_LT(page.find("id=\"keys\""), page.find("id=\"findings\""));
+  result.findings[0].severity = Severity::kError;
+  const std::string wrong = TeacherPage(result);
+  EXPECT_GT(wrong.find("id=\"keys\""), wrong.find("id=\"findings\""));
 }
 
 TEST(ReaderFiles, GiveEachVersionItsKeyAndPoints) {

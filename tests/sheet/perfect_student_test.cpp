@@ -22,10 +22,17 @@ double Score(const Answer& answer, const Marks& marks) {
   return right ? answer.points : marks.empty() ? answer.noResponsePoints : answer.incorrectPoints;
 }
 
-// Finds the row by the number on the paper, and in it the bubble with the letter on the paper.
-Marks Mark(const Result& result, const Exam& exam, std::size_t at) {
-  const auto row = std::find_if(result.rows.begin(), result.rows.end(),
-                                [&](const Row& each) { return each.number == static_cast<long>(at) + 1; });
+// Finds the row by the number on the paper, through the version's table on a renumbered sheet, and in it the
+// bubble with the letter on the paper.
+Marks Mark(const Result& result, const Version& version, const Exam& exam, std::size_t at) {
+  auto number = static_cast<long>(at) + 1;
+  for (std::size_t i = 0; result.renumbered && i < version.answers.size(); ++i) {
+    if (version.answers[i].paper != static_cast<long>(at) + 1) continue;
+    number = result.rows[i].number;
+    EXPECT_EQ(number, static_cast<long>(i) + 1);
+  }
+  const auto row =
+      std::find_if(result.rows.begin(), result.rows.end(), [&](const Row& each) { return each.number == number; });
   Marks marks;
   if (row == result.rows.end()) return marks;
   for (const int choice : exam.questions[at].correct) {
@@ -48,7 +55,7 @@ void ExpectGradesRight(const Result& result, const std::vector<Exam>& exams) {
       if (!question.Graded()) continue;
       ASSERT_LT(row, version.answers.size());
       const Answer& answer = version.answers[row];
-      const Marks right = Mark(result, exams[v], at);
+      const Marks right = Mark(result, version, exams[v], at);
       ASSERT_EQ(Score(answer, right), question.points) << version.name << " question " << at + 1;
       const int bubbles = static_cast<int>(result.rows[row].labels.size());
       for (int wrong = 0; wrong <= bubbles; ++wrong) {
@@ -78,7 +85,11 @@ TEST(PerfectStudent, GetsFullMarksForTheRightMarksOnly) {
     std::deque<TempFile> files;
     std::vector<Input> inputs;
     for (const Exam& exam : exams) inputs.push_back({ToUtf8(files.emplace_back(exam.Xml()).Path()), ""});
+    Options renumber;
+    renumber.renumber = true;
+    ExpectGradesRight(MakeSheet(inputs, renumber), exams);
     const Result result = MakeSheet(inputs);
+    EXPECT_FALSE(result.renumbered);
     ExpectGradesRight(result, exams);
 
     // What is saved carries on: its rows and keys are those of the first sheet.
