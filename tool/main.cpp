@@ -33,8 +33,7 @@ constexpr char kStandard[] = "-";
 // Standard input as a file, which is what the library reads.
 class InputCopy {
  public:
-  InputCopy() {
-    path_ = MakeTemporaryFile();
+  InputCopy() : path_(MakeTemporaryFile()) {
     if (path_.empty()) throw Outputs::Trouble{"the copy of standard input: cannot be written"};
     std::ofstream copy(PathOf(path_), std::ios::binary);
     char part[1 << 16];

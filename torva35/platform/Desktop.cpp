@@ -1,10 +1,7 @@
 #include "torva35/platform/Desktop.h"
 
-#include <cstdio>
-#include <string>
 #include <utility>
 
-#include "torva35/base/Text.h"
 #include "torva35/platform/ThreadOwned.h"
 
 namespace TORVA35 {
@@ -36,14 +33,17 @@ void SetMousePointerHook(MousePointerHook hook) {
 void ShowMessageBox(const String& sText, const String& sTitle, Long lStyle) {
   if (const MessageBoxHook hook = ThreadHooks().messageBox) {
     hook(sText, sTitle, lStyle);
-    return;
+  } else {
+    ShowSystemMessageBox(sText, sTitle, lStyle);
   }
-  const std::string line = ToUtf8(sTitle) + "\n" + ToUtf8(sText) + "\n";
-  std::fwrite(line.data(), 1, line.size(), stderr);
 }
 
 void SetDefaultMousePointer() {
-  if (const MousePointerHook hook = ThreadHooks().mousePointer) hook();
+  if (const MousePointerHook hook = ThreadHooks().mousePointer) {
+    hook();
+  } else {
+    SetSystemMousePointer();
+  }
 }
 
 }  // namespace TORVA35

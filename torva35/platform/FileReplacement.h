@@ -13,7 +13,12 @@ namespace TORVA35 {
 /// owner, group and access rights of the old one as far as the system lets the saver give them, and is at no time
 /// open to more people. Not kept: several names of the old file (hard links) and its access-control lists.
 ///
-/// A port promises the same of its system's files. A file that grows too large fails and does not end the process.
+/// A port owes the same for its system's files. A file that grows too large fails and does not end the process.
+///
+/// On Windows a file that somebody else keeps open without letting it be deleted, a read-only one, and a link that
+/// leads to no file are not replaced. The new file has attributes and access-control list of the old one;
+/// alternate streams are not kept. On disks that cannot rename a file over one that is being read (no NTFS, or
+/// before Windows 10), such a file is replaced in two steps, and is not there between them.
 class FileReplacement {
  public:
   /// Begins the new file beside the one of this path, which need not exist. `Commit` gives False when that fails.

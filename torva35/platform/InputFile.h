@@ -15,7 +15,11 @@ namespace TORVA35 {
 ///    opening it does not wait for anybody.
 ///  - A file that `FileReplacement` is about to replace opens as the old one or as the new one, and stays readable
 ///    as that until it is closed; an open one does not keep `FileReplacement` from its work.
-///  - Problems are values; only exhausted memory is thrown.
+///  - Problems are values; only exhausted memory is thrown. They have the same words on all systems for a file
+///  that
+///    is not there, a folder, and rights that are missing.
+///
+/// On Windows a file that another program keeps to itself is a problem, and paths may have any length.
 class InputFile {
  public:
   /// Opens the file of this path, which is in the form that the system uses for paths.

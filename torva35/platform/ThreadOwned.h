@@ -7,6 +7,7 @@ namespace TORVA35 {
 
 /// Calls release(thing) at the end of the calling thread, or when the library is unloaded by it, whichever comes
 /// first; the last one registered is released first. What other threads own at that time is left as it is.
+/// It stands on the thread keys of <pthread.h>, which all our compilers have.
 void AtThreadEnd(void (*release)(void* thing), void* thing);
 
 /// The thread's own T, made at its first use and destroyed as `AtThreadEnd` says: `ThreadOwned<OwnHooks>()`.

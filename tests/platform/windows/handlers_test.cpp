@@ -10,6 +10,7 @@
 
 #include "tests/platform/Faults.h"
 #include "tests/platform/Member.h"
+#include "tests/platform/Wine.h"
 
 namespace TORVA35 {
 namespace {
@@ -122,6 +123,21 @@ TEST_F(Handlers, EveryThreadThatRunsAMemberHasItsFaults) {
   WaitForSingleObject(thread, INFINITE);
   CloseHandle(thread);
   EXPECT_EQ(codes, "C0000005 C00000FD C0000005 C00000FD C0000005 C00000FD C0000005");
+}
+
+// Without the room that the start-up keeps, the fault never comes back to the member.
+TEST_F(Handlers, UnpreparedThreadDoesNotSurviveAnOverflow) {
+  if (!kWine) GTEST_SKIP() << "Windows may find just enough room";
+  testing::GTEST_FLAG(death_test_style) = "threadsafe";
+  EXPECT_EXIT(
+      {
+        std::thread([] {
+          Member(faults::EndlessRecursion);
+          ExitProcess(1);
+        }).join();
+        ExitProcess(0);
+      },
+      [](int code) { return code != 1; }, "");
 }
 
 }  // namespace
