@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <filesystem>
+#include <optional>
 #include <set>
 
 #include "Refusal.h"
@@ -22,6 +23,14 @@ std::string FirstWords(const std::string& text) {
   constexpr std::size_t kUnits = 40;
   const String whole = FromUtf8(text);
   return ToUtf8(whole.size() <= kUnits ? whole : String(First(whole, kUnits)) + u"…");
+}
+
+std::optional<double> PlainNumber(const String& text) {
+  try {
+    return NumberOf(text);
+  } catch (const Error&) {
+    return std::nullopt;
+  }
 }
 
 // Sees to it that an ExamView file becomes a test, and that nothing it loses goes unsaid.
@@ -158,13 +167,9 @@ class ExamViewFile {
     for (const char16_t unit : FromUtf8(element.points.text)) {
       if (unit != u' ') digits += unit;
     }
-    bool exact = digits.empty();
-    try {
-      constexpr double kTolerance = 1e-6;  // a test holds points as short numbers
-      const double points = digits.empty() ? 0 : NumberOf(digits);
-      exact = std::abs(points - question.points) <= kTolerance * std::abs(points);
-    } catch (const Error&) {
-    }
+    constexpr double kTolerance = 1e-6;  // a test holds points as short numbers
+    const std::optional<double> points = PlainNumber(digits.empty() ? u"0" : digits);
+    const bool exact = points && std::abs(*points - question.points) <= kTolerance * std::abs(*points);
     const bool counts = question.kind == TORVATestQuestionTypeTrueFalse ||
                         question.kind == TORVATestQuestionTypeYesNo ||
                         question.kind == TORVATestQuestionTypeMultipleChoice;

@@ -142,12 +142,11 @@ TEST_F(Threads, DoNotSeeEachOther) {
   }
   const TempFile file(xml + "<question type='es'/></examview>");
   std::string told[4];
-  {
-    std::vector<std::jthread> threads;
-    for (int i = 0; i < 4; ++i) {
-      threads.emplace_back([&, i, path = file.Path()] { told[i] = Work(path, 20 + 10 * i); });
-    }
+  std::vector<std::thread> threads;
+  for (int i = 0; i < 4; ++i) {
+    threads.emplace_back([&, i, path = file.Path()] { told[i] = Work(path, 20 + 10 * i); });
   }
+  for (std::thread& thread : threads) thread.join();
   for (int i = 0; i < 4; ++i) {
     const std::string count = std::to_string(20 + 10 * i);
     EXPECT_EQ(told[i], count + " failures, " + count + " dialogs");

@@ -90,7 +90,9 @@ class Literal {
   /// From 1, or 0 where there is none.
   Long Place(const TaggedValue& index) const {
     if (const auto* key = index.As<String>()) {
-      const auto found = std::ranges::find(entries_, SmallLetters(*key), &Entry::second);
+      const auto found =
+          std::find_if(entries_.begin(), entries_.end(),
+                       [small = SmallLetters(*key)](const Entry& entry) { return entry.second == small; });
       return found == entries_.end() ? 0 : static_cast<Long>(found - entries_.begin()) + 1;
     }
     const Double place = std::nearbyint(NumberOf(index));

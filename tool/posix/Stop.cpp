@@ -1,6 +1,7 @@
 #include "../Stop.h"
 
 #include <csignal>
+#include <initializer_list>
 #include <stdexcept>
 
 namespace tool {

@@ -26,8 +26,8 @@ const String* SharedSelection::Find(const TaggedValue& index) const {
     if (!isKeyed) return nullptr;
     const SharedTexts::Place first = all->First(*key);
     const auto isSame = [&](SharedTexts::Place place) { return all->First(place) == first; };
-    const auto found =
-        all->AreDistinct() ? std::ranges::lower_bound(places, first) : std::ranges::find_if(places, isSame);
+    const auto found = all->AreDistinct() ? std::lower_bound(places.begin(), places.end(), first)
+                                          : std::find_if(places.begin(), places.end(), isSame);
     return found == places.end() || !isSame(*found) ? nullptr : &all->Text(*found);
   }
   if (!index.IsNumber()) return nullptr;

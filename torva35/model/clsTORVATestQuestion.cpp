@@ -56,7 +56,8 @@ void clsTORVATestQuestion::AddHolder(clsTORVATestQuestions& list) noexcept {
 }
 
 void clsTORVATestQuestion::RemoveHolder(const clsTORVATestQuestions& list) noexcept {
-  if (const auto other = std::ranges::find(otherHolders_, &list); other != otherHolders_.end()) {
+  if (const auto other = std::find(otherHolders_.begin(), otherHolders_.end(), &list);
+      other != otherHolders_.end()) {
     otherHolders_.erase(other);
   } else {
     holder_ = nullptr;

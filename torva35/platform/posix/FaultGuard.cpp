@@ -30,6 +30,17 @@
 #endif
 #endif
 
+#if defined(_LIBCPP_VERSION)
+// Its header leaves this part of the binary interface out.
+namespace __cxxabiv1 {
+struct __cxa_eh_globals;
+extern "C" __cxa_eh_globals* __cxa_get_globals();
+}  // namespace __cxxabiv1
+#endif
+#if !defined(_SC_SIGSTKSZ)
+#define _SC_SIGSTKSZ -1  // not known, says sysconf
+#endif
+
 namespace TORVA35 {
 namespace {
 
