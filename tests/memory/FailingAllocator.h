@@ -21,7 +21,8 @@ struct FailingAllocator {
     left = all ? 1 : 0;
     return failed = true;
   }
-  static void* Allocate(std::size_t size) {
+  // Out of line, or an optimizing compiler sees a block of `new` go to `free`.
+  [[gnu::noinline]] static void* Allocate(std::size_t size) {
     if (Fails()) return nullptr;
     ++alive;
     return std::malloc(size);
@@ -30,7 +31,7 @@ struct FailingAllocator {
     if (block == nullptr) return Allocate(size);
     return Fails() ? nullptr : std::realloc(block, size);
   }
-  static void Free(void* block) {
+  [[gnu::noinline]] static void Free(void* block) {
     if (block != nullptr) --alive;
     std::free(block);
   }
