@@ -60,9 +60,11 @@ bool HasBinaryBytes(std::string_view bytes) {
   });
 }
 
-// A bank or test of ExamView's own, or a package of them, says so near its beginning, or in its name.
-bool IsBank(const std::string& path, std::string_view bytes) {
-  const String begin = FromUtf8(bytes);
+// A bank or test of ExamView's own, or a package of them, says so near its beginning, or in its name. A text may
+// speak of ExamView anywhere else.
+bool IsBank(const std::string& path, std::string_view bytes, bool binary) {
+  constexpr std::size_t kTitleBytes = 64;
+  const String begin = FromUtf8(binary ? bytes : bytes.substr(0, kTitleBytes));
   const String ending = std::filesystem::path(FromUtf8(path)).extension().u16string();
   const bool named = EqualNoCase(ending, u".bnk") || EqualNoCase(ending, u".tst") ||
                      EqualNoCase(ending, u".ebk") || EqualNoCase(ending, u".eqb");
@@ -81,7 +83,8 @@ std::string ForeignKind(const std::string& path, std::string_view bytes) {
   const std::size_t begin = bytes.find_first_not_of(" \t\r\n");
   const bool markup = IsUtf16(bytes) || (begin != bytes.npos && bytes[begin] == '<');
   const bool binary = !IsUtf16(bytes) && HasBinaryBytes(bytes);
-  if ((binary || !markup) && IsBank(path, bytes)) return "an ExamView question bank: export the test as XML";
+  if ((binary || !markup) && IsBank(path, bytes, binary))
+    return "an ExamView question bank: export the test as XML";
   if (binary) return "a binary file";
   return markup ? "" : "a text without any markup";
 }

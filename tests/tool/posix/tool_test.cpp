@@ -160,6 +160,8 @@ TEST_F(Tool, SaysInOneLineWhyAFileIsRefused) {
        "not XML but an old Word document or another OLE file"},
       {Write("zipped.xml", "\x1F\x8B\x08"), "not XML but a gzip archive"},
       {Write("bank.bnk", "\1\2\3"), "not XML but an ExamView question bank: export the test as XML"},
+      {Write("letter.xml", std::string(80, '-') + "\nThe ExamView test of Monday\n"),
+       "not XML but a text without any markup"},
       {Write("renamed.xml", "ExamView Test Bank 6.0\r\n"),
        "not XML but an ExamView question bank: export the test as XML"},
       {Write("binary.xml", "\1\2\3"), "not XML but a binary file"},
