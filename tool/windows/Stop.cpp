@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include <atomic>
+#include <cstdlib>
 #include <stdexcept>
 
 namespace tool {
@@ -31,7 +32,8 @@ void CheckStop() {
 
 void PassStop() {
   ended = true;
-  if (stopped) ExitProcess(static_cast<UINT>(STATUS_CONTROL_C_EXIT));
+  // The console gets back what it was.
+  if (stopped) std::exit(static_cast<int>(STATUS_CONTROL_C_EXIT));
 }
 
 }  // namespace tool

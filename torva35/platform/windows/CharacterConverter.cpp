@@ -48,10 +48,12 @@ UINT PageOf(const std::string& encoding) {
   return 0;
 }
 
-// Pages in which a byte, or a row of them, means something else after certain others, and those of Unicode.
-bool HasStates(UINT page) {
-  return (page >= 50000 && page < 51000) || (page >= 52936 && page < 53000) || (page >= 57000 && page <= 57011) ||
-         page == 65000 || page == 65001 || page == 1200 || page == 1201 || page == 12000 || page == 12001;
+// Pages in which a byte, or a row of them, means something else after certain others; those of Unicode; and
+// numbers that stand for a page of the user's choice.
+bool IsNotPlain(UINT page) {
+  return page < 37 || page == 42 || (page >= 50000 && page < 51000) || page == 52936 || page == 20261 ||
+         page == 20269 || (page >= 57000 && page <= 57011) || page >= 65000 || page == 1200 || page == 1201 ||
+         page == 12000 || page == 12001;
 }
 
 // Where a page has no character, the system gives the control character of the same number, or one of its own.
@@ -69,7 +71,7 @@ bool IsNone(UINT page, std::string_view bytes, wchar_t unit) {
 CharacterConverter::CharacterConverter(const std::string& encoding) {
   const UINT page = PageOf(encoding);
   CPINFO information;
-  if (page == 0 || HasStates(page) || GetCPInfo(page, &information) == 0) return;
+  if (page == 0 || IsNotPlain(page) || GetCPInfo(page, &information) == 0) return;
   // NOLINTNEXTLINE(performance-no-int-to-ptr)
   converter_ = reinterpret_cast<void*>(static_cast<std::uintptr_t>(page));
 }

@@ -28,10 +28,10 @@ InputFile::InputFile(const String& path) {
     return;
   }
   const std::wstring name = windows::SystemPath(path);
-  // Shared with whoever reads, writes, renames or replaces it. A pipe's other end learns nothing of our rights.
-  file_ = reinterpret_cast<std::intptr_t>(
-      CreateFileW(name.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
-                  OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL | SECURITY_SQOS_PRESENT | SECURITY_ANONYMOUS, nullptr));
+  // Shared with whoever reads, writes, renames or replaces it. A pipe's other end may not act in our name.
+  file_ = reinterpret_cast<std::intptr_t>(CreateFileW(
+      name.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING,
+      FILE_ATTRIBUTE_NORMAL | SECURITY_SQOS_PRESENT | SECURITY_IDENTIFICATION, nullptr));
   const DWORD error = GetLastError();
   LARGE_INTEGER size{};
   if (file_ == -1) {
