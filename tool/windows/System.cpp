@@ -79,6 +79,7 @@ void PutArgumentsInUtf8(int& argc, char**& argv) {
     arguments.push_back(TORVA35::ToUtf8(TORVA35::String(argument.begin(), argument.end())));
   }
   LocalFree(wide);
+  pointers.reserve(arguments.size() + 1);
   for (std::string& argument : arguments) pointers.push_back(argument.data());
   pointers.push_back(nullptr);
   argc = count;
@@ -93,7 +94,7 @@ bool IsTerminal(Stream stream) {
 std::size_t TerminalWidth() {
   CONSOLE_SCREEN_BUFFER_INFO info;
   if (GetConsoleScreenBufferInfo(HandleOf(Stream::kOutput), &info) == 0) return 0;
-  return static_cast<std::size_t>(info.srWindow.Right - info.srWindow.Left + 1);
+  return static_cast<std::size_t>(info.srWindow.Right) - static_cast<std::size_t>(info.srWindow.Left) + 1;
 }
 
 int CharacterColumns(char32_t character) {

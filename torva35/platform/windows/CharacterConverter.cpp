@@ -76,6 +76,7 @@ CharacterConverter::CharacterConverter(const std::string& encoding) {
   converter_ = reinterpret_cast<void*>(static_cast<std::uintptr_t>(page));
 }
 
+// NOLINTNEXTLINE(performance-trivially-destructible): another port has something to destroy.
 CharacterConverter::~CharacterConverter() = default;
 
 CharacterConverter::Outcome CharacterConverter::Convert(std::string_view bytes, std::u32string& characters) {

@@ -192,7 +192,7 @@ namespace {
 // that has all its memory from the beginning, as under Wine, has its guard at the very end instead: it gets
 // another one.
 void GuardWholeStack() {
-  MEMORY_BASIC_INFORMATION area;
+  MEMORY_BASIC_INFORMATION area{};
   if (VirtualQuery(&area, &area, sizeof area) == 0) return;
   char* const page = static_cast<char*>(area.AllocationBase) + kStackGuarantee;
   if (VirtualQuery(page, &area, sizeof area) == 0 || area.State != MEM_COMMIT || area.Protect != PAGE_READWRITE ||

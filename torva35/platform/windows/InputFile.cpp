@@ -11,7 +11,7 @@ namespace {
 constexpr const char16_t* kNotAFile = u"not a file that can be read";
 
 HANDLE Handle(std::intptr_t file) {
-  return reinterpret_cast<HANDLE>(file);
+  return reinterpret_cast<HANDLE>(file);  // NOLINT(performance-no-int-to-ptr): such is a handle
 }
 
 bool IsFolder(const std::wstring& name) {
