@@ -6,7 +6,25 @@
 #include "torva35/base/Text.h"
 #include "torva35/xml/DOMDocument.h"
 
+#if __has_include(<iconv.h>)
+#include <iconv.h>
+#endif
+
 namespace TORVA35 {
+
+// Whether the system converts more encodings than its C library has built in. A cross compiler's comes without the
+// others.
+inline bool KnowsEncodings() {
+#if __has_include(<iconv.h>)
+  const iconv_t converter = iconv_open("UTF-8", "EUC-JP");
+  if (converter == reinterpret_cast<iconv_t>(-1)) return false;
+  iconv_close(converter);
+#endif
+  return true;
+}
+
+#define SKIP_WITHOUT_ENCODINGS() \
+  if (!KnowsEncodings()) GTEST_SKIP() << "the system's converter has no modules for other encodings"
 
 inline bool Load(DOMDocument& document, std::string_view bytes) {
   const TempFile file(bytes);

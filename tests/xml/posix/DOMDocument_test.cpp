@@ -24,6 +24,7 @@ namespace TORVA35 {
 namespace {
 
 TEST(DOMDocument, CharactersOfMoreThanTwoBytes) {
+  SKIP_WITHOUT_ENCODINGS();
   EXPECT_EQ(ShapeOf("<?xml version='1.0' encoding='EUC-JP'?><a>\xC6\xFC\x8F\xB0\xA1</a>"), u"a('日丂')");
   EXPECT_EQ(ShapeOf("<?xml version='1.0' encoding='GB18030'?><a>\xBA\xBA\x81\x30\x84\x36\x94\x39\xFC\x36</a>"),
             u"a('汉¥\U0001F600')");
@@ -98,6 +99,7 @@ bool CheckPage(const std::string& name) {
 }
 
 TEST(DOMDocument, EveryByteOfEverySingleBytePageIsWhatTheConverterSays) {
+  SKIP_WITHOUT_ENCODINGS();
   const std::unique_ptr<FILE, int (*)(FILE*)> list(popen("iconv -l", "r"), pclose);
   int pages = 0;
   for (char line[4096]; fgets(line, sizeof(line), list.get()) != nullptr;) {
