@@ -1,6 +1,6 @@
 # What `cmake --install` puts in place: headers and libraries with a CMake package and pkg-config files, the program with
 # its manual page, and the documentation; and what `cpack` makes Debian packages of. The component Runtime is what a
-# built host needs, Development what building one does, Tool the program.
+# built host needs, RuntimeC what one of the C interface does, Development what building them does, Tool the program.
 include(CMakePackageConfigHelpers)
 
 set(torva35_package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/TORVA35)
@@ -16,6 +16,15 @@ install(TARGETS ${torva35_installed} EXPORT TORVA35Targets
         FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT Development
         INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 install(EXPORT TORVA35Targets NAMESPACE TORVA35:: DESTINATION ${torva35_package_dir} COMPONENT Development)
+if(TARGET torva35_c)
+  # A set of its own: its hosts need nothing of what those of the C++ libraries do.
+  install(TARGETS torva35_c EXPORT TORVA35CTargets
+          RUNTIME COMPONENT RuntimeC
+          LIBRARY COMPONENT RuntimeC NAMELINK_COMPONENT Development
+          ARCHIVE COMPONENT Development
+          FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT Development)
+  install(EXPORT TORVA35CTargets NAMESPACE TORVA35:: DESTINATION ${torva35_package_dir} COMPONENT Development)
+endif()
 
 configure_package_config_file(${CMAKE_CURRENT_LIST_DIR}/TORVA35Config.cmake.in TORVA35Config.cmake
                               INSTALL_DESTINATION ${torva35_package_dir})
@@ -30,6 +39,9 @@ set(torva35_pc torva35.pc)
 if(TARGET torva35_sheet)
   list(APPEND torva35_pc torva35-sheet.pc)
 endif()
+if(TARGET torva35_c)
+  list(APPEND torva35_pc torva35_c.pc)
+endif()
 foreach(pc IN LISTS torva35_pc)
   configure_file(${CMAKE_CURRENT_LIST_DIR}/${pc}.in ${pc} @ONLY)
   install(FILES ${PROJECT_BINARY_DIR}/${pc} DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT Development)
@@ -41,6 +53,10 @@ set(torva35_soname ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR})
 set(torva35_components Runtime Development)
 set(torva35_package_Runtime libtorva35-${torva35_soname})
 set(torva35_package_Development libtorva35-dev)
+if(TARGET torva35_c)
+  list(APPEND torva35_components RuntimeC)
+  set(torva35_package_RuntimeC libtorva35-c${torva35_soname})
+endif()
 set(torva35_docs ${PROJECT_SOURCE_DIR}/docs)
 install(FILES ${torva35_docs}/guide.md ${torva35_docs}/guide.cpp ${torva35_docs}/errors.md ${torva35_docs}/lmf-format.md
         DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/doc/${torva35_package_Development} COMPONENT Development)
@@ -82,6 +98,12 @@ set(CPACK_DEBIAN_RUNTIME_PACKAGE_SECTION libs)
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA ${PROJECT_BINARY_DIR}/debian/triggers)
+set(CPACK_DEBIAN_RUNTIMEC_PACKAGE_SECTION libs)
+set(CPACK_DEBIAN_RUNTIMEC_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_RUNTIMEC_PACKAGE_CONTROL_EXTRA ${PROJECT_BINARY_DIR}/debian/triggers)
+set(CPACK_COMPONENT_RUNTIMEC_DESCRIPTION "bubble sheets of printed tests: shared library for any language
+This package holds what programs that were built with the C interface need,
+and programs in other languages that open it.")
 set(CPACK_COMPONENT_RUNTIME_DESCRIPTION "merges printed tests into bubble-sheet forms: shared library
 This package holds what programs that were built with the library need.")
 
@@ -89,6 +111,10 @@ set(torva35_debian_version ${PROJECT_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE})
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS
     "${torva35_package_Runtime} (= ${torva35_debian_version}), libexpat1-dev, zlib1g-dev")
+if(TARGET torva35_c)
+  string(PREPEND CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS
+         "${torva35_package_RuntimeC} (= ${torva35_debian_version}), ")
+endif()
 set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION "merges printed tests into bubble-sheet forms: files for development
 This package holds headers, static libraries, and what CMake and pkg-config
 need to build programs with the library.")

@@ -7,6 +7,7 @@
 #include <fstream>
 #include <new>
 #include <random>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -21,6 +22,8 @@ namespace sheet = TORVA35::sheet;
 namespace fs = std::filesystem;
 
 namespace {
+
+constexpr int32_t kAllObjectives = 15;
 
 struct WrongCall {
   const char* why;
@@ -50,12 +53,26 @@ std::string Text(const torva35_text& text) {
   return Text(text.data, text.size);
 }
 
-// What the caller's structure has of one that may have grown since, and zero for the rest.
+// A path as the system would take it as a whole.
+std::string Path(const char* data, size_t size) {
+  std::string path = Text(data, size);
+  if (path.empty()) throw WrongCall{"the path is empty"};
+  if (path.find('\0') != path.npos) throw WrongCall{"the path has a NUL in it"};
+  return path;
+}
+
+// What the caller's structure has of one that may have grown since, and zero for the rest. What is asked for with
+// a member that came later must not be passed over.
 template <class Struct>
 Struct Known(const Struct* given) {
   Struct known{};
   if (given == nullptr) return known;
   if (given->struct_size < sizeof given->struct_size) throw WrongCall{"struct_size is not set"};
+  const char* const bytes = reinterpret_cast<const char*>(given);
+  if (given->struct_size > sizeof known &&
+      std::any_of(bytes + sizeof known, bytes + given->struct_size, [](char byte) { return byte != 0; })) {
+    throw WrongCall{"a structure has members that this version of the library does not know"};
+  }
   std::memcpy(&known, given, std::min(given->struct_size, sizeof known));
   return known;
 }
@@ -74,9 +91,7 @@ class Scratch {
   // Gives the path of a file with this content.
   std::string Write(const Source& source) {
     if (folder_.empty()) Make();
-    const fs::path ending = fs::path(TORVA35::FromUtf8(source.input.name)).extension();
-    fs::path path = folder_ / std::to_string(++count_);
-    path += ending;
+    const fs::path path = folder_ / std::to_string(++count_);
     std::ofstream file(path, std::ios::binary);
     file.write(source.content.data(), static_cast<std::streamsize>(source.content.size()));
     file.close();
@@ -100,8 +115,7 @@ class Scratch {
   int count_ = 0;
 };
 
-sheet::PageOptions PageOptions(const torva35_page* given) {
-  const torva35_page page = Known(given);
+sheet::PageOptions PageOptions(const torva35_page& page, const sheet::Result& result) {
   sheet::PageOptions options;
   const std::string language = Text(page.language);
   if (!language.empty()) options.language = language;
@@ -109,10 +123,32 @@ sheet::PageOptions PageOptions(const torva35_page* given) {
   if (page.name_letters < 0 || page.name_letters > sheet::kMostNameLetters) {
     throw WrongCall{"name_letters is out of range"};
   }
+  if (page.version < 0 || static_cast<size_t>(page.version) > result.versions.size()) {
+    throw WrongCall{"there is no such version"};
+  }
+  if (page.reserved != 0) throw WrongCall{"a reserved member is not 0"};
   options.idDigits = page.id_digits;
   options.nameLetters = page.name_letters;
   options.version = page.version;
   return options;
+}
+
+// Makes something of a result for a page, under the page's own title if it has one.
+template <class Make>
+auto ForPage(sheet::Result& result, const torva35_page* given, Make make) {
+  const torva35_page page = Known(given);
+  const sheet::PageOptions options = PageOptions(page, result);
+  struct TitleInPlace {
+    TitleInPlace(std::string& its, std::string given) : title(its), other(std::move(given)) { Swap(); }
+    ~TitleInPlace() { Swap(); }
+    void Swap() {
+      if (!empty) title.swap(other);
+    }
+    std::string& title;
+    std::string other;
+    const bool empty = other.empty();
+  } const title(result.title, Text(page.title));
+  return make(result, options);
 }
 
 sheet::Options MakeOptions(const torva35_options* given) {
@@ -126,6 +162,8 @@ sheet::Options MakeOptions(const torva35_options* given) {
   options.state = Text(known.state);
   if (known.max_questions < 0 || known.max_questions > 0x7FFFFFFF)
     throw WrongCall{"max_questions is out of range"};
+  if (known.objectives < 0 || known.objectives > kAllObjectives) throw WrongCall{"objectives is out of range"};
+  if (known.reserved != 0) throw WrongCall{"a reserved member is not 0"};
   options.maxQuestions = static_cast<long>(known.max_questions);
   options.objectives = known.objectives;
   options.oddOnly = known.odd_only != 0;
@@ -172,6 +210,7 @@ struct torva35_exam {
   std::vector<Source> sources;
   sheet::Result result;
   bool isMade = false;
+  bool isMaking = false;  // a callback may run
   std::vector<sheet::OutputFile> readerFiles;
   // What the functions of these names gave last.
   std::string error, key, json, csv, studentPage, teacherPage;
@@ -194,6 +233,7 @@ torva35_code Run(torva35_exam* exam, Call call) noexcept {
     return code;
   };
   try {
+    if (exam->isMaking) throw WrongCall{"a callback has called the handle that calls it"};
     return call(*exam);
   } catch (const WrongCall& wrong) {
     return fail(TORVA35_WRONG_CALL, wrong.why);
@@ -201,6 +241,8 @@ torva35_code Run(torva35_exam* exam, Call call) noexcept {
     return fail(TORVA35_CANCELLED, "cancelled");
   } catch (const std::bad_alloc&) {
     return fail(TORVA35_NO_MEMORY, "out of memory");
+  } catch (const std::length_error&) {
+    return fail(TORVA35_NO_MEMORY, "a size is beyond all memory");
   } catch (const fs::filesystem_error& error) {
     return fail(TORVA35_FILE, error.what());
   } catch (const std::exception& error) {
@@ -245,6 +287,7 @@ torva35_exam* torva35_exam_new(void) {
 }
 
 void torva35_exam_free(torva35_exam* exam) {
+  if (exam == nullptr || exam->isMaking) return;
   delete exam;
 }
 
@@ -252,8 +295,7 @@ torva35_code torva35_exam_add_file(torva35_exam* exam, const char* path, size_t 
                                    size_t name_size) {
   return Run(exam, [&](torva35_exam& to) {
     Source source;
-    source.input = {Text(path, path_size), Text(name, name_size)};
-    if (source.input.path.empty()) throw WrongCall{"the path is empty"};
+    source.input = {Path(path, path_size), Text(name, name_size)};
     if (source.input.name.empty()) source.input.name = source.input.path;
     to.sources.push_back(std::move(source));
     return TORVA35_OK;
@@ -264,6 +306,7 @@ torva35_code torva35_exam_add_content(torva35_exam* exam, const void* content, s
                                       const char* name, size_t name_size) {
   return Run(exam, [&](torva35_exam& to) {
     if (content == nullptr && content_size > 0) throw WrongCall{"the content is null"};
+    if (content_size == TORVA35_WHOLE) throw WrongCall{"a content has a size"};
     Source source;
     source.hasContent = true;
     source.content.assign(static_cast<const char*>(content), content_size);
@@ -283,6 +326,12 @@ torva35_code torva35_exam_make(torva35_exam* exam, const torva35_options* option
     if (owner.sources.empty()) throw WrongCall{"no file has been added"};
     owner.isMade = false;
     owner.readerFiles.clear();
+    owner.result = {};
+    struct Making {
+      explicit Making(bool& its) : isMaking(its) { isMaking = true; }
+      ~Making() { isMaking = false; }
+      bool& isMaking;
+    } const making(owner.isMaking);
     Scratch scratch;
     std::vector<sheet::Input> inputs;
     for (const Source& source : owner.sources) {
@@ -290,12 +339,12 @@ torva35_code torva35_exam_make(torva35_exam* exam, const torva35_options* option
       if (source.hasContent) inputs.back().path = scratch.Write(source);
     }
     owner.result = sheet::MakeSheet(inputs, made);
-    owner.isMade = true;
     for (const sheet::Finding& finding : owner.result.findings) {
       if (called.report == nullptr) break;
       const torva35_finding view = ViewOf(finding);
       called.report(called.user, &view);
     }
+    owner.isMade = true;
     if (owner.result.status == sheet::Status::kDone) return TORVA35_OK;
     owner.error = "there is no sheet";
     for (const sheet::Finding& finding : owner.result.findings) {
@@ -315,7 +364,7 @@ torva35_code torva35_exam_make(torva35_exam* exam, const torva35_options* option
   });
 }
 
-torva35_code torva35_exam_error(torva35_exam* exam, torva35_text* text) {
+torva35_code torva35_exam_error(const torva35_exam* exam, torva35_text* text) {
   if (text == nullptr) return TORVA35_WRONG_CALL;
   *text = exam == nullptr ? torva35_text{kNullHandle, std::strlen(kNullHandle)} : View(exam->error);
   return TORVA35_OK;
@@ -334,7 +383,16 @@ size_t torva35_exam_row_count(const torva35_exam* exam) {
 }
 
 size_t torva35_exam_reader_file_count(const torva35_exam* exam) {
-  return exam == nullptr ? 0 : exam->readerFiles.size();
+  return exam == nullptr || !exam->isMade ? 0 : exam->readerFiles.size();
+}
+
+int32_t torva35_exam_worst(const torva35_exam* exam) {
+  int32_t worst = -1;
+  if (exam == nullptr || !exam->isMade) return worst;
+  for (const sheet::Finding& finding : exam->result.findings) {
+    worst = std::max(worst, static_cast<int32_t>(finding.severity));
+  }
+  return worst;
 }
 
 torva35_code torva35_exam_finding_at(torva35_exam* exam, size_t position, torva35_finding* finding) {
@@ -344,8 +402,18 @@ torva35_code torva35_exam_finding_at(torva35_exam* exam, size_t position, torva3
     const size_t size = finding->struct_size;
     if (size < sizeof size) throw WrongCall{"struct_size is not set"};
     const torva35_finding view = ViewOf(At(owner.result.findings, position));
+    std::memset(finding, 0, size);
     std::memcpy(finding, &view, std::min(size, sizeof view));
     finding->struct_size = size;
+    return TORVA35_OK;
+  });
+}
+
+torva35_code torva35_exam_title(torva35_exam* exam, torva35_text* text) {
+  return Run(exam, [&](torva35_exam& owner) {
+    if (text == nullptr) throw WrongCall{"there is no place for the text"};
+    NeedSheet(owner);
+    *text = View(owner.result.title);
     return TORVA35_OK;
   });
 }
@@ -376,6 +444,15 @@ torva35_code torva35_exam_key(torva35_exam* exam, size_t version, size_t row, to
   });
 }
 
+torva35_code torva35_exam_points(torva35_exam* exam, size_t version, size_t row, double* points) {
+  return Run(exam, [&](torva35_exam& owner) {
+    if (points == nullptr) throw WrongCall{"there is no place for the points"};
+    NeedSheet(owner);
+    *points = At(At(owner.result.versions, version).answers, row).points;
+    return TORVA35_OK;
+  });
+}
+
 torva35_code torva35_exam_json(torva35_exam* exam, torva35_text* text) {
   return Give(exam, text, &torva35_exam::json,
               [](const torva35_exam& owner) { return sheet::Json(owner.result); });
@@ -389,20 +466,20 @@ torva35_code torva35_exam_csv(torva35_exam* exam, torva35_text* text) {
 }
 
 torva35_code torva35_exam_student_page(torva35_exam* exam, const torva35_page* page, torva35_text* text) {
-  return Give(exam, text, &torva35_exam::studentPage, [&](const torva35_exam& owner) {
+  return Give(exam, text, &torva35_exam::studentPage, [&](torva35_exam& owner) {
     NeedSheet(owner);
-    return sheet::StudentPage(owner.result, PageOptions(page));
+    return ForPage(owner.result, page, sheet::StudentPage);
   });
 }
 
 torva35_code torva35_exam_teacher_page(torva35_exam* exam, const torva35_page* page, torva35_text* text) {
   return Give(exam, text, &torva35_exam::teacherPage,
-              [&](const torva35_exam& owner) { return sheet::TeacherPage(owner.result, PageOptions(page)); });
+              [&](torva35_exam& owner) { return ForPage(owner.result, page, sheet::TeacherPage); });
 }
 
 torva35_code torva35_exam_save_lmf(torva35_exam* exam, const char* path, size_t path_size) {
   return Run(exam, [&](torva35_exam& owner) {
-    const std::string where = Text(path, path_size);
+    const std::string where = Path(path, path_size);
     NeedSheet(owner);
     if (owner.result.lmf->Save(TORVA35::FromUtf8(where))) return TORVA35_OK;
     owner.error = where + ": cannot be written";
@@ -413,7 +490,7 @@ torva35_code torva35_exam_save_lmf(torva35_exam* exam, const char* path, size_t 
 torva35_code torva35_exam_make_reader_files(torva35_exam* exam, const torva35_page* page) {
   return Run(exam, [&](torva35_exam& owner) {
     NeedSheet(owner);
-    owner.readerFiles = sheet::ReaderFiles(owner.result, PageOptions(page));
+    owner.readerFiles = ForPage(owner.result, page, sheet::ReaderFiles);
     return TORVA35_OK;
   });
 }

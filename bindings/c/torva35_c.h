@@ -14,13 +14,19 @@
  *     fwrite(json.data, 1, json.size, stdout);
  *     torva35_exam_free(exam);
  *
- * All texts are UTF-8 with a size in bytes; a size of TORVA35_WHOLE stands for a text that a NUL ends. Texts that
- * come back belong to the handle, are ended by a NUL as well, and stay as they are until the same function is
- * called again on this handle, until the next torva35_exam_make, or until the handle is freed, whichever comes
- * first.
+ * All texts are UTF-8 with a size in bytes; a size of TORVA35_WHOLE stands for a text that a NUL ends. A null text
+ * is an empty one, where its size is 0 or TORVA35_WHOLE. What is given is copied. Texts that come back belong to
+ * the handle, are ended by a NUL as well, and stay as they are until the same function is called again on this
+ * handle, until the next torva35_exam_make, or until the handle is freed, whichever comes first.
  *
  * Each function that can fail returns a code, and the handle then has a sentence about it. A null handle and a
- * null where something is needed are TORVA35_WRONG_CALL, as is a call before its time; nothing changes then.
+ * null where something is needed are TORVA35_WRONG_CALL, as is a call before its time; nothing changes then, and
+ * what the call would have given is left as it was.
+ *
+ * A structure begins with its own size, which the caller sets. Later versions add members at the end: a library
+ * gives those that the caller's size has room for, the others being zero if it does not know them itself, and
+ * takes those that are missing for zero. A member that is not zero and that the library does not know is
+ * TORVA35_WRONG_CALL, so that nothing that was asked for is passed over.
  *
  * A handle is used by one thread at a time, different handles by as many threads as there are. Nothing is shared
  * between them, and no call prints or ends the process. The first torva35_exam_make installs handlers for
@@ -110,7 +116,9 @@ typedef struct torva35_progress {
 
 /**
  * Called while a sheet is made, on the calling thread. A member that is null is not called. The texts are valid
- * during the call only. A callback does not call into the handle that calls it.
+ * during the call only. A callback may use other handles; on the one that calls it, every function that gives a
+ * code gives TORVA35_WRONG_CALL, counts are 0, and torva35_exam_free does nothing. It returns: an exception or a
+ * long jump must not leave it.
  */
 typedef struct torva35_callbacks {
   size_t struct_size; /**< sizeof(torva35_callbacks) */
@@ -132,9 +140,10 @@ typedef struct torva35_options {
   size_t version_name_count;
   torva35_text state;    /**< two letters: the state whose objectives are read */
   int64_t max_questions; /**< no more than the first ones; 0: all */
-  int32_t objectives;    /**< added up: 1 learning, 2 local, 4 state, 8 national; 0: none */
+  int32_t objectives;    /**< which are read, added up: 1 learning, 2 local, 4 state, 8 national; 0: none */
   int32_t odd_only;      /**< not 0: even-numbered questions have the letters of odd-numbered ones */
   int32_t renumber;      /**< not 0: rows have numbers without gaps, whatever the papers say */
+  int32_t reserved;      /**< 0 */
 } torva35_options;
 
 /** How the pages look. All zero but struct_size is a sheet in English without a grid. */
@@ -144,9 +153,11 @@ typedef struct torva35_page {
   int32_t id_digits;     /**< digits of the student number's grid, 0 to 20 */
   int32_t name_letters;  /**< letters of the grid for the name, 0 to 30 */
   int32_t version;       /**< the version that is printed as marked, from 1; 0: students mark theirs */
+  int32_t reserved;      /**< 0 */
+  torva35_text title;    /**< of the pages; empty: that of the sheet */
 } torva35_page;
 
-/** The version of the library, such as "0.1.0". */
+/** The version of the library, such as "0.1.0". It stays for as long as the library is loaded. */
 TORVA35_C_API const char* torva35_version(void);
 
 /** A new handle without files; null when there is no memory for it. */
@@ -160,24 +171,24 @@ TORVA35_C_API void torva35_exam_free(torva35_exam* exam);
  */
 TORVA35_C_API torva35_code torva35_exam_add_file(torva35_exam* exam, const char* path, size_t path_size,
                                                  const char* name, size_t name_size);
-/** Adds the content of a file, which is copied. name: for people; its ending tells nothing that the content does
- * not. */
+/** Adds the content of a file, with its size in bytes. name: for people; empty: "file 2" for the second one. */
 TORVA35_C_API torva35_code torva35_exam_add_content(torva35_exam* exam, const void* content, size_t content_size,
                                                     const char* name, size_t name_size);
 
 /**
  * Reads the files, checks that they go together, and makes the sheet. Null options are the usual ones, null
- * callbacks are none. Whatever comes back, the findings and the JSON are there afterwards, unless it is
- * TORVA35_WRONG_CALL, TORVA35_NO_MEMORY or TORVA35_INTERNAL, or a callback has cancelled. TORVA35_OK means that
- * there is a sheet; a finding may still be an error, and the sheet should then not be used. Adding files and
+ * callbacks are none. TORVA35_OK means that there is a sheet; a finding may still be an error, and the sheet
+ * should then not be used: torva35_exam_worst tells. After TORVA35_REFUSED and TORVA35_FAILED, and
+ * TORVA35_CANCELLED by the button of a dialog, there are findings, the JSON and the teacher's page, but no sheet.
+ * After anything else there is no result, and after TORVA35_WRONG_CALL the one from before. Adding files and
  * making again is fine.
  */
 TORVA35_C_API torva35_code torva35_exam_make(torva35_exam* exam, const torva35_options* options,
                                              const torva35_callbacks* callbacks);
 
-/** The sentence about the last call on this handle that failed; empty when none has. A null handle has one, too.
- */
-TORVA35_C_API torva35_code torva35_exam_error(torva35_exam* exam, torva35_text* text);
+/** The sentence about the last call on this handle that failed; empty when none has. It stays as it is until
+ * another one fails. A null handle has one, too. */
+TORVA35_C_API torva35_code torva35_exam_error(const torva35_exam* exam, torva35_text* text);
 
 /** How many there are; 0 before a sheet is made, and for a null handle. */
 TORVA35_C_API size_t torva35_exam_finding_count(const torva35_exam* exam);
@@ -185,8 +196,13 @@ TORVA35_C_API size_t torva35_exam_version_count(const torva35_exam* exam);
 TORVA35_C_API size_t torva35_exam_row_count(const torva35_exam* exam);
 TORVA35_C_API size_t torva35_exam_reader_file_count(const torva35_exam* exam);
 
-/** A finding; position from 0. Members beyond the caller's struct_size are left out. */
+/** The torva35_severity of the worst finding; -1 when there is none, as for a null handle. With TORVA35_ERROR the
+ * sheet and its keys should not be used. */
+TORVA35_C_API int32_t torva35_exam_worst(const torva35_exam* exam);
+/** A finding; position from 0. */
 TORVA35_C_API torva35_code torva35_exam_finding_at(torva35_exam* exam, size_t position, torva35_finding* finding);
+/** The title of the sheet. */
+TORVA35_C_API torva35_code torva35_exam_title(torva35_exam* exam, torva35_text* text);
 /** The name of a version, from 0; empty when there is only one, without a name. */
 TORVA35_C_API torva35_code torva35_exam_version_name(torva35_exam* exam, size_t version, torva35_text* text);
 /** The number that is printed beside a row, from 0. */
@@ -196,6 +212,8 @@ TORVA35_C_API torva35_code torva35_exam_row_number(torva35_exam* exam, size_t ro
  * of several apart by a stroke, "B|D"; empty: there is no key.
  */
 TORVA35_C_API torva35_code torva35_exam_key(torva35_exam* exam, size_t version, size_t row, torva35_text* text);
+/** The points for the right marks of a version in a row, both from 0. */
+TORVA35_C_API torva35_code torva35_exam_points(torva35_exam* exam, size_t version, size_t row, double* points);
 
 /** All of the result, as the file sheet.schema.json in the documentation describes it. */
 TORVA35_C_API torva35_code torva35_exam_json(torva35_exam* exam, torva35_text* text);
@@ -209,14 +227,12 @@ TORVA35_C_API torva35_code torva35_exam_teacher_page(torva35_exam* exam, const t
                                                      torva35_text* text);
 /** Puts the filled LMF model in the place of a file, whole or, with TORVA35_FILE, not at all. */
 TORVA35_C_API torva35_code torva35_exam_save_lmf(torva35_exam* exam, const char* path, size_t path_size);
-/**
- * A file for a sheet reader, from 0: its path below a folder, with "/", and its content. Made for the page that
- * torva35_exam_make_reader_files was given.
- */
+/** Makes the files for a sheet reader, which torva35_exam_reader_file then gives. A null page is the usual one. */
+TORVA35_C_API torva35_code torva35_exam_make_reader_files(torva35_exam* exam, const torva35_page* page);
+/** A file for a sheet reader, from 0: its path below a folder, with "/", and its content. Both stay until files
+ * are made again. */
 TORVA35_C_API torva35_code torva35_exam_reader_file(torva35_exam* exam, size_t position, torva35_text* path,
                                                     torva35_text* content);
-/** Makes the files for a sheet reader, which torva35_exam_reader_file then gives. */
-TORVA35_C_API torva35_code torva35_exam_make_reader_files(torva35_exam* exam, const torva35_page* page);
 
 #ifdef __cplusplus
 }

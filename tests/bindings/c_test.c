@@ -27,7 +27,12 @@ static torva35_exam* ExamOf(const char* first, const char* second) {
 static void WrongCalls(const char* sample) {
   torva35_text text, other;
   int64_t number;
+  double points;
   torva35_finding finding = {0};
+  struct {
+    torva35_options known;
+    int64_t later;
+  } newer = {{0}, 0};
   torva35_options options = {0};
   torva35_page page = {0};
   torva35_exam* exam = torva35_exam_new();
@@ -44,6 +49,11 @@ static void WrongCalls(const char* sample) {
     CHECK(torva35_exam_version_name(each, 0, &text) == TORVA35_WRONG_CALL);
     CHECK(torva35_exam_row_number(each, 0, &number) == TORVA35_WRONG_CALL);
     CHECK(torva35_exam_key(each, 0, 0, &text) == TORVA35_WRONG_CALL);
+    CHECK(torva35_exam_add_file(each, "a\0b", 3, NULL, 0) == TORVA35_WRONG_CALL);
+    CHECK(torva35_exam_add_content(each, sample, TORVA35_WHOLE, NULL, 0) == TORVA35_WRONG_CALL);
+    CHECK(torva35_exam_title(each, &text) == TORVA35_WRONG_CALL);
+    CHECK(torva35_exam_points(each, 0, 0, &points) == TORVA35_WRONG_CALL);
+    CHECK(torva35_exam_worst(each) == -1);
     CHECK(torva35_exam_json(each, &text) == TORVA35_WRONG_CALL);
     CHECK(torva35_exam_csv(each, &text) == TORVA35_WRONG_CALL);
     CHECK(torva35_exam_student_page(each, NULL, &text) == TORVA35_WRONG_CALL);
@@ -63,12 +73,23 @@ static void WrongCalls(const char* sample) {
   options.struct_size = sizeof options;
   options.version_name_count = 1;
   CHECK(torva35_exam_make(exam, &options, NULL) == TORVA35_WRONG_CALL);
+  /* A caller of a later version, which must not get less than it asks for. */
+  newer.known.struct_size = sizeof newer;
+  newer.later = 1;
+  CHECK(torva35_exam_make(exam, &newer.known, NULL) == TORVA35_WRONG_CALL);
+  newer.later = 0;
+  CHECK(torva35_exam_make(exam, &newer.known, NULL) == TORVA35_OK);
+  newer.known.objectives = 16;
+  CHECK(torva35_exam_make(exam, &newer.known, NULL) == TORVA35_WRONG_CALL);
   CHECK(torva35_exam_make(exam, NULL, NULL) == TORVA35_OK);
   CHECK(torva35_exam_json(exam, NULL) == TORVA35_WRONG_CALL);
   CHECK(torva35_exam_key(exam, 1, 0, &text) == TORVA35_WRONG_CALL);
   CHECK(torva35_exam_key(exam, 0, 1000, &text) == TORVA35_WRONG_CALL);
   page.struct_size = sizeof page;
   page.id_digits = 21;
+  CHECK(torva35_exam_student_page(exam, &page, &text) == TORVA35_WRONG_CALL);
+  page.id_digits = 0;
+  page.version = 2;
   CHECK(torva35_exam_student_page(exam, &page, &text) == TORVA35_WRONG_CALL);
   finding.struct_size = 0;
   CHECK(torva35_exam_finding_at(exam, 0, &finding) == TORVA35_WRONG_CALL);
@@ -77,16 +98,20 @@ static void WrongCalls(const char* sample) {
 }
 
 static void Results(const char* first, const char* second, const char* folder) {
-  torva35_text text, content;
+  torva35_text text, content, title;
   int64_t number;
+  double points;
   char path[1000];
   torva35_exam* exam = ExamOf(first, second);
   CHECK(torva35_exam_make(exam, NULL, NULL) == TORVA35_OK);
+  CHECK(torva35_exam_worst(exam) == TORVA35_WARNING);
   CHECK(torva35_exam_version_count(exam) == 2);
   CHECK(torva35_exam_version_name(exam, 1, &text) == TORVA35_OK && Is(text, "B"));
   CHECK(torva35_exam_row_number(exam, 3, &number) == TORVA35_OK && number == 4);
   CHECK(torva35_exam_key(exam, 0, 3, &text) == TORVA35_OK && Is(text, "H"));
   CHECK(torva35_exam_key(exam, 1, 3, &text) == TORVA35_OK && Is(text, "F"));
+  CHECK(torva35_exam_points(exam, 0, 5, &points) == TORVA35_OK && points == 2.5);
+  CHECK(torva35_exam_title(exam, &title) == TORVA35_OK && title.size > 0);
   CHECK(torva35_exam_csv(exam, &text) == TORVA35_OK && strncmp(text.data, "version,row,paper,id", 20) == 0);
   CHECK(torva35_exam_student_page(exam, NULL, &text) == TORVA35_OK && strstr(text.data, "<svg") != NULL);
 
@@ -94,6 +119,9 @@ static void Results(const char* first, const char* second, const char* folder) {
   page.struct_size = sizeof page;
   page.language = (torva35_text){"de", 2};
   CHECK(torva35_exam_teacher_page(exam, &page, &text) == TORVA35_OK && strstr(text.data, "lang=\"de\"") != NULL);
+  page.title = (torva35_text){"Unit 33", TORVA35_WHOLE};
+  CHECK(torva35_exam_student_page(exam, &page, &text) == TORVA35_OK && strstr(text.data, "Unit 33") != NULL);
+  CHECK(torva35_exam_title(exam, &text) == TORVA35_OK && text.data == title.data && !Is(text, "Unit 33"));
   CHECK(torva35_exam_make_reader_files(exam, &page) == TORVA35_OK);
   CHECK(torva35_exam_reader_file_count(exam) >= 6);
   CHECK(torva35_exam_reader_file(exam, 0, &text, &content) == TORVA35_OK && text.size > 0 && content.size > 0);
@@ -119,11 +147,22 @@ static void Results(const char* first, const char* second, const char* folder) {
 
 typedef struct Calls {
   int asked, shown, reported, answer, cancels;
+  torva35_exam* exam;
 } Calls;
+
+/* A callback that uses the handle that calls it gets an error. */
+static void CallBack(const Calls* calls) {
+  torva35_text text;
+  CHECK(torva35_exam_make(calls->exam, NULL, NULL) == TORVA35_WRONG_CALL);
+  CHECK(torva35_exam_json(calls->exam, &text) == TORVA35_WRONG_CALL);
+  CHECK(torva35_exam_finding_count(calls->exam) == 0);
+  torva35_exam_free(calls->exam);
+}
 
 static int Ask(void* user, const torva35_dialog* dialog) {
   Calls* calls = user;
   ++calls->asked;
+  CallBack(calls);
   CHECK(dialog->title.size > 0 && dialog->button_count >= 1 && dialog->buttons[0].size > 0);
   return calls->answer;
 }
@@ -135,15 +174,17 @@ static int Show(void* user, const torva35_progress* progress) {
 static void Report(void* user, const torva35_finding* finding) {
   Calls* calls = user;
   ++calls->reported;
+  CallBack(calls);
   CHECK(finding->text.size > 0 && finding->kind.size > 0);
 }
 
 static void Callbacks(const char* first, const char* second, const char* broken) {
-  Calls calls = {0, 0, 0, 0, 1000};
+  Calls calls = {0, 0, 0, 0, 1000, NULL};
   torva35_text text;
   torva35_finding finding = {0};
   torva35_callbacks callbacks = {sizeof callbacks, &calls, Ask, Show, Report};
   torva35_exam* exam = ExamOf(first, second);
+  calls.exam = exam;
   CHECK(torva35_exam_make(exam, NULL, &callbacks) == TORVA35_OK);
   CHECK(calls.asked > 0 && calls.shown > 0);
   CHECK((size_t)calls.reported == torva35_exam_finding_count(exam) && calls.reported > 0);

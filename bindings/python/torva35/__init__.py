@@ -212,8 +212,11 @@ class Exam:
         self._check(getattr(_c, function)(self._handle, *arguments, ctypes.byref(text)))
         return str(text)
 
-    def _page(self, kept: List[Any], language: str, id_digits: int, name_letters: int, version: int) -> Any:
+    def _page(
+        self, kept: List[Any], language: str, id_digits: int, name_letters: int, version: int, title: str = ""
+    ) -> Any:
         page = _library.Page(ctypes.sizeof(_library.Page))
+        page.title = _text(title, kept)
         page.language = _text(language, kept)
         page.id_digits, page.name_letters, page.version = id_digits, name_letters, version
         return ctypes.byref(page)
@@ -274,11 +277,8 @@ class Exam:
 
         version: the one that is printed as marked, from 1; 0: students mark theirs.
         """
-        if title is not None and title != self._options["title"]:
-            again = Exam(self._sources, {**self._options, "title": title, "ask": None, "progress": None})
-            return again.sheet(None, language, id_digits, name_letters, version)
         kept: List[Any] = []
-        page = self._page(kept, language, id_digits, name_letters, version)
+        page = self._page(kept, language, id_digits, name_letters, version, title or "")
         return Page(self._get("torva35_exam_student_page", page))
 
     def teacher_page(self, language: str = "en") -> Page:

@@ -6,7 +6,7 @@ import ctypes
 import ctypes.util
 import os
 import sys
-from ctypes import CFUNCTYPE, POINTER, Structure, c_char_p, c_int, c_int32, c_int64, c_size_t, c_void_p
+from ctypes import CFUNCTYPE, POINTER, Structure, c_char_p, c_double, c_int, c_int32, c_int64, c_size_t, c_void_p
 from pathlib import Path
 
 
@@ -72,6 +72,7 @@ class Options(Structure):
         ("objectives", c_int32),
         ("odd_only", c_int32),
         ("renumber", c_int32),
+        ("reserved", c_int32),
     ]
 
 
@@ -82,6 +83,8 @@ class Page(Structure):
         ("id_digits", c_int32),
         ("name_letters", c_int32),
         ("version", c_int32),
+        ("reserved", c_int32),
+        ("title", Text),
     ]
 
 
@@ -100,6 +103,9 @@ _FUNCTIONS = {
     "torva35_exam_row_count": (c_size_t, [_HANDLE]),
     "torva35_exam_reader_file_count": (c_size_t, [_HANDLE]),
     "torva35_exam_finding_at": (c_int, [_HANDLE, c_size_t, POINTER(Finding)]),
+    "torva35_exam_worst": (c_int32, [_HANDLE]),
+    "torva35_exam_title": (c_int, [_HANDLE, _TEXT]),
+    "torva35_exam_points": (c_int, [_HANDLE, c_size_t, c_size_t, POINTER(c_double)]),
     "torva35_exam_version_name": (c_int, [_HANDLE, c_size_t, _TEXT]),
     "torva35_exam_row_number": (c_int, [_HANDLE, c_size_t, POINTER(c_int64)]),
     "torva35_exam_key": (c_int, [_HANDLE, c_size_t, c_size_t, _TEXT]),
