@@ -98,6 +98,12 @@ std::function<void()> Open(const std::string& argument) {
   return [data, lmf = New<clsLmf>()] { NeedTrue(lmf->Open(data->path)); };
 }
 
+std::function<void()> LoadLmf(const std::string& argument) {
+  const auto data = std::make_shared<DataFile>(argument);
+  NeedTrue(data->engine->MIVLMF()->Save(data->path));
+  return [data, test = New<clsTORVATest>()] { NeedTrue(test->LoadLMF(data->path)); };
+}
+
 const std::map<std::string, Operation>& Operations() {
   static const std::map<std::string, Operation> operations = {
       {"expat", [](const auto& file) { return [bytes = ReadFile(file)] { ParseWithExpat(bytes, false); }; }},
@@ -117,6 +123,7 @@ const std::map<std::string, Operation>& Operations() {
       {"copy", [](const auto& count) { return [test = MakeTest(CountOf(count))] { Need(test->Copy()); }; }},
       {"save", Save},
       {"open", Open},
+      {"load-lmf", LoadLmf},
   };
   return operations;
 }

@@ -1,6 +1,11 @@
 #pragma once
 
+#include <cstdio>
+#include <string>
+#include <string_view>
+
 #include "torva35/base/Text.h"
+#include "torva35/lmf/LmfFile.h"
 #include "torva35/lmf/clsLmf.h"
 
 namespace TORVA35 {
@@ -68,6 +73,14 @@ inline String LmfText(const clsLmf& oLmf) {
     line(u"Notes", question->Notes());
   }
   return all;
+}
+
+/// A whole file from all that stands before its checksum.
+inline std::string WithChecksum(std::string_view body) {
+  char digits[9];
+  std::snprintf(digits, sizeof(digits), "%08x", static_cast<unsigned>(lmf_file::Crc32(0, body)));
+  std::string file(body);
+  return file.append(lmf_file::kCheckBegin).append(digits).append(lmf_file::kCheckEnd);
 }
 
 }  // namespace TORVA35

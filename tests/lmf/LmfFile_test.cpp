@@ -169,6 +169,63 @@ TEST(LmfFile, NoByteCanBeLostOrChanged) {
   EXPECT_EQ(Opened(good + "\n"), u"refused");
 }
 
+// A file that stands as Save writes it is read without the parser; one with an empty line is not.
+TEST(LmfFile, OpensAlikeWithAndWithoutTheParser) {
+  clsLmf lmf;
+  FillNasty(lmf);
+  const TempFile file;
+  ASSERT_TRUE(lmf.Save(file.Path()));
+  const std::string whole = Bytes(ToUtf8(file.Path()));
+  const std::string saved = whole.substr(0, whole.find(lmf_file::kCheckBegin));
+  const auto bothWays = [](std::string body) {
+    const String opened = Opened(WithChecksum(body));
+    EXPECT_EQ(Opened(WithChecksum(body.insert(body.find('\n'), "\n"))), opened) << body;
+    return opened;
+  };
+  EXPECT_EQ(bothWays(saved), LmfText(lmf));
+
+  const std::string head =
+      "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<lmf version=\"1\">\n<objectives>\n"
+      "<objective text=\"All\"/>\n</objectives>\n<questions>\n";
+  const std::string tail = "</questions>\n<versions>\n<sequence>1</sequence>\n</versions>\n";
+  const std::string name(100'000, 'x');
+  const std::pair<std::string, bool> rows[] = {
+      {"<question/>\n", true},
+      {"<question notes=\"n\" topic=\"t\" name=\"&amp;&lt;&quot;>'\"/>\n", true},
+      {"<question name=\"" + name + "\"/>\n<question/>\n", true},
+      // Only the parser takes these.
+      {"<question  name='n'/>\n", true},
+      {"<question name=\"&#65;&gt;\"/> <!-- and -->\n", true},
+      {"<question name=\"a\tb\rc\nd\"/>\n", true},
+      {"<question></question><question>\n</question>\n", true},
+      // Nobody takes these.
+      {"<question name=\"n\" name=\"n\"/>\n", false},
+      {"<question name=\"<\"/>\n", false},
+      {"<question name=\"&\"/>\n", false},
+      {"<question name=\"&nbsp;\"/>\n", false},
+      {"<question name=\"\x01\"/>\n", false},
+      {"<question name=\"\xC3\"/>\n", false},
+      {"<question name=\"\xED\xA0\x80\"/>\n", false},
+      {"<question name=\"\xEF\xBF\xBE\"/>\n", false},
+      {"<question name=\"n\"\n", false},
+      {"<question name/>\n", false},
+      {"<question>text</question>\n", false},
+      {"<question color=\"x\"/>\n", false},
+      {"</question>\n", false},
+      {"</questions>\n<questions>\n", false},
+      {"<sequence>1</sequence>\n", false},
+  };
+  for (const auto& [question, good] : rows) {
+    EXPECT_EQ(bothWays(head + question + tail) != u"refused", good) << question;
+  }
+  const std::string second = (head + tail).substr(head.find('\n') + 1);
+  for (const std::string& other : {head, head + tail.substr(0, 13), tail, head + tail + "</lmf>\n" + second,
+                                   head.substr(0, 39) + "<lmf version=\"1\"/>\n" + second}) {
+    EXPECT_EQ(bothWays(other), u"refused") << other;
+  }
+  EXPECT_NE(bothWays(head + tail.substr(0, tail.size() - 1)), u"refused");
+}
+
 TEST(LmfFile, TheDocumentedExampleIsWhatSaveWrites) {
   const std::string page = Bytes(TEST_DATA "/../../docs/lmf-format.md");
   const std::size_t begin = page.find("```xml\n") + 7;

@@ -5,6 +5,7 @@
 #include <concepts>
 #include <iterator>
 #include <string>
+#include <typeinfo>
 #include <utility>
 #include <vector>
 
@@ -107,136 +108,107 @@ bool Parse(std::string_view text, clsLmfSequence& sequence) {
   return true;
 }
 
-/// Takes the tree of a file apart, strictly: a file with anything that the format does not know is refused.
+/// Takes the elements of a file, strictly: a file with anything that the format does not know is refused.
 class Reader {
  public:
-  explicit Reader(clsLmf& lmf) : lmf_(lmf) {}
+  Reader(clsLmf& lmf, bool hasCheck) : lmf_(lmf), hasCheck_(hasCheck) {}
 
-  /// hasCheck: the checksum at the end of the file was found to be right.
-  bool Read(const IXMLDOMNode& root, bool hasCheck) {
-    names_.resize(root.NameCount() + 1);
-    if (!ReadRoot(root)) return false;
-    IXMLDOMNode part = root.FirstChild();
-    for (const auto& [name, read] :
-         {Part{"objectives", &Reader::ReadObjectives}, Part{"questions", &Reader::ReadQuestions},
-          Part{"versions", &Reader::ReadVersions}}) {
-      if (!part || NameOf(part) != name || !(this->*read)(part)) return false;
-      part = part.NextSibling();
-    }
-    if (!hasCheck) return !part;
-    return part && NameOf(part) == "check" && !part.NextSibling();
+  /// The next element in the order of the file, and inside how many others it stands. False when it is refused.
+  bool Take(const Element& element, int depth) {
+    if (depth == 0) return ReadRoot(element);
+    if (depth == 1) return BeginPart(element);
+    return depth == 2 && element.name == part_->row && (this->*part_->read)(element);
   }
+  /// Whether nothing is missing.
+  bool IsWhole() const { return part_ == &kParts[hasCheck_ ? 3 : 2]; }
 
  private:
+  // What the root holds, and each of these in turn; they follow each other in this order.
   struct Part {
     std::string_view name;
-    bool (Reader::*read)(const IXMLDOMNode&);
+    bool (Reader::*begin)(const Element&);
+    std::string_view row;
+    bool (Reader::*read)(const Element&);
   };
-  struct Name {
-    std::string text;
-    const Column* column = nullptr;  // nothing for a name that is no attribute of a question
-  };
+  static const Part kParts[4];
 
-  // Each name of the document is looked up once.
-  const Name& Known(const IXMLDOMNode& node) {
-    Name& name = names_[node.NameId()];
-    if (name.text.empty()) {
-      name.text = ToUtf8(node.get_nodeName());
-      const auto* column = std::find_if(std::begin(kColumns), std::end(kColumns),
-                                        [&](const Column& row) { return row.name == name.text; });
-      if (column != std::end(kColumns)) name.column = column;
-    }
-    return name;
-  }
-  std::string_view NameOf(const IXMLDOMNode& node) { return Known(node).text; }
-
-  static bool HasNoAttributes(const IXMLDOMNode& node) { return node.get_attributes().get_length() == 0; }
-  static bool HasTextOnly(const IXMLDOMNode& node) {
-    const IXMLDOMNode text = node.FirstChild();
-    return !text || (text.NameId() == 0 && !text.NextSibling());
-  }
   /// Calls read(name, value) for each attribute, until one gives False.
   template <class Read>
-  bool EachAttribute(const IXMLDOMNode& node, Read read) {
-    const IXMLDOMNamedNodeMap attributes = node.get_attributes();
-    for (Long i = 0; i < attributes.get_length(); ++i) {
-      const IXMLDOMNode attribute = attributes.get_item(i);
-      if (!read(Known(attribute), attribute.Utf8())) return false;
-    }
-    return true;
-  }
-  /// Calls read(child) for each child, until one gives False or has another name.
-  template <class Read>
-  bool EachChild(const IXMLDOMNode& node, std::string_view name, Read read) {
-    for (IXMLDOMNode child = node.FirstChild(); child; child = child.NextSibling()) {
-      if (NameOf(child) != name || !read(child)) return false;
-    }
-    return true;
+  static bool EachAttribute(const Element& element, Read read) {
+    return std::all_of(element.attributes.begin(), element.attributes.end(),
+                       [&](const Attribute& attribute) { return read(attribute.name, attribute.value); });
   }
 
-  bool ReadRoot(const IXMLDOMNode& root) {
+  bool ReadRoot(const Element& root) {
     String description, notes;
     Long mode = 0, pageCount = 0;
     bool knownVersion = false;
-    const bool good = EachAttribute(root, [&](const Name& name, std::string_view value) {
-      if (name.text == "version") return knownVersion = value == kVersion;
-      if (name.text == "description") return Parse(value, description);
-      if (name.text == "notes") return Parse(value, notes);
-      if (name.text == "mode") return Parse(value, mode);
-      if (name.text == "pageCount") return Parse(value, pageCount);
+    const bool good = EachAttribute(root, [&](std::string_view name, std::string_view value) {
+      if (name == "version") return knownVersion = value == kVersion;
+      if (name == "description") return Parse(value, description);
+      if (name == "notes") return Parse(value, notes);
+      if (name == "mode") return Parse(value, mode);
+      if (name == "pageCount") return Parse(value, pageCount);
       return false;
     });
     lmf_.Description(std::move(description));
     lmf_.Notes(std::move(notes));
     lmf_.Mode(mode);
     lmf_.PageCount(pageCount);
-    return good && knownVersion;
+    return good && knownVersion && root.name == "lmf" && !root.text;
   }
 
-  bool ReadObjectives(const IXMLDOMNode& node) {
-    const Ref<clsLmfObjectives> objectives = lmf_.Objectives();
-    return HasNoAttributes(node) &&
-           EachChild(node, "objective",
-                     [&](const IXMLDOMNode& child) { return ReadObjective(child, *objectives); }) &&
-           objectives->HasBuiltIn();
+  bool BeginPart(const Element& element) {
+    part_ = part_ == nullptr ? kParts : part_ + 1;
+    return part_ != std::end(kParts) && element.name == part_->name && !element.text &&
+           (this->*part_->begin)(element);
   }
 
-  bool ReadObjective(const IXMLDOMNode& node, clsLmfObjectives& objectives) {
+  bool BeginObjectives(const Element& element) {
+    objectives_ = lmf_.Objectives();
+    return element.attributes.empty();
+  }
+
+  bool ReadObjective(const Element& element) {
     String text;
     TaggedValue key = Missing;
-    const bool good = EachAttribute(node, [&](const Name& name, std::string_view value) {
-      if (name.text == "text") return Parse(value, text);
+    const bool good = EachAttribute(element, [&](std::string_view name, std::string_view value) {
+      if (name == "text") return Parse(value, text);
       String keyText;
-      if (name.text != "key" || !Parse(value, keyText)) return false;
+      if (name != "key" || !Parse(value, keyText)) return false;
       key = std::move(keyText);
       return true;
     });
-    if (!good || node.FirstChild()) return false;
-    if (!objectives.HasBuiltIn()) {
-      objectives.AddBuiltIn();
-      objectives.Item(1)->Text(std::move(text));
+    if (!good || element.text) return false;
+    if (!objectives_->HasBuiltIn()) {
+      objectives_->AddBuiltIn();
+      objectives_->Item(1)->Text(std::move(text));
       return key.IsMissing();
     }
-    if (!key.IsMissing() && objectives.Exists(key)) return false;
+    if (!key.IsMissing() && objectives_->Exists(key)) return false;
     auto objective = New<clsLmfObjective>();
     objective->Text(std::move(text));
-    objectives.Add(std::move(objective), key);
+    objectives_->Add(std::move(objective), key);
     return true;
   }
 
-  bool ReadQuestions(const IXMLDOMNode& node) {
-    const Ref<clsLmfQuestions> questions = lmf_.Questions();
-    return HasNoAttributes(node) && EachChild(node, "question", [&](const IXMLDOMNode& child) {
-             auto question = New<clsLmfQuestion>();
-             questions->Add(question);
-             return ReadQuestion(child, *question);
-           });
+  bool BeginQuestions(const Element& element) {
+    if (!objectives_->HasBuiltIn()) return false;
+    questions_ = lmf_.Questions();
+    return element.attributes.empty();
   }
 
-  bool ReadQuestion(const IXMLDOMNode& node, clsLmfQuestion& question) {
-    return !node.FirstChild() && EachAttribute(node, [&](const Name& name, std::string_view value) {
-      if (name.column == nullptr) return false;
-      return std::visit([&](const auto& member) { return Set(question, member, value); }, name.column->member);
+  bool ReadQuestion(const Element& element) {
+    const auto question = New<clsLmfQuestion>();
+    questions_->Add(question);
+    // Save writes them in the order of the columns.
+    const Column* column = std::begin(kColumns);
+    return !element.text && EachAttribute(element, [&](std::string_view name, std::string_view value) {
+      const auto named = [&](const Column& one) { return one.name == name; };
+      column = std::find_if(column, std::end(kColumns), named);
+      if (column == std::end(kColumns)) column = std::find_if(std::begin(kColumns), column, named);
+      if (column == std::end(kColumns)) return false;
+      return std::visit([&](const auto& member) { return Set(*question, member, value); }, column->member);
     });
   }
 
@@ -252,24 +224,76 @@ class Reader {
     return Parse(text, *(question.*list.get)());
   }
 
-  bool ReadVersions(const IXMLDOMNode& node) {
-    const Ref<clsLmfVersions> versions = lmf_.Versions();
-    const bool good = EachAttribute(node, [&](const Name& name, std::string_view value) {
-      if (name.text == "names") return Parse(value, *versions->VersionNames());
+  bool BeginVersions(const Element& element) {
+    versions_ = lmf_.Versions();
+    return EachAttribute(element, [&](std::string_view name, std::string_view value) {
+      if (name == "names") return Parse(value, *versions_->VersionNames());
       Long question = 0;
-      if (name.text != "sequenceQuestion" || !Parse(value, question)) return false;
-      versions->SequenceQuestion(question);
+      if (name != "sequenceQuestion" || !Parse(value, question)) return false;
+      versions_->SequenceQuestion(question);
       return true;
     });
-    return good && EachChild(node, "sequence", [&](const IXMLDOMNode& child) {
-             auto sequence = New<clsLmfSequence>();
-             versions->Sequences()->Add(sequence);
-             return HasNoAttributes(child) && HasTextOnly(child) && Parse(child.Utf8(), *sequence);
-           });
   }
 
+  bool ReadSequence(const Element& element) {
+    const auto sequence = New<clsLmfSequence>();
+    versions_->Sequences()->Add(sequence);
+    return element.attributes.empty() && Parse(element.text.value_or(""), *sequence);
+  }
+
+  // That it is right was seen when the file was read.
+  bool BeginCheck(const Element&) { return hasCheck_; }
+  bool RefuseRow(const Element&) { return false; }
+
   clsLmf& lmf_;
-  std::vector<Name> names_;  // by their number in the document
+  const bool hasCheck_;  // the checksum at the end of the file was found to be right
+  const Part* part_ = nullptr;
+  Ref<clsLmfObjectives> objectives_;
+  Ref<clsLmfQuestions> questions_;
+  Ref<clsLmfVersions> versions_;
+};
+
+constexpr Reader::Part Reader::kParts[] = {
+    {"objectives", &Reader::BeginObjectives, "objective", &Reader::ReadObjective},
+    {"questions", &Reader::BeginQuestions, "question", &Reader::ReadQuestion},
+    {"versions", &Reader::BeginVersions, "sequence", &Reader::ReadSequence},
+    {"check", &Reader::BeginCheck, "", &Reader::RefuseRow},
+};
+
+/// Shows a reader the elements of a tree.
+class Walk {
+ public:
+  Walk(Reader& reader, const IXMLDOMNode& root) : reader_(reader), names_(root.NameCount() + 1) {}
+
+  bool Take(const IXMLDOMNode& node, int depth = 0) {
+    const IXMLDOMNode first = node.FirstChild();
+    const bool hasText = first && first.NameId() == 0 && !first.NextSibling();
+    Element element{NameOf(node), {}, {}};
+    const IXMLDOMNamedNodeMap attributes = node.get_attributes();
+    for (Long i = 0; i < attributes.get_length(); ++i) {
+      const IXMLDOMNode attribute = attributes.get_item(i);
+      element.attributes.push_back({NameOf(attribute), attribute.Utf8()});
+    }
+    if (hasText) element.text = first.Utf8();
+    if (!reader_.Take(element, depth)) return false;
+    if (hasText) return true;
+    for (IXMLDOMNode child = first; child; child = child.NextSibling()) {
+      // No element of the format holds texts beside elements, and none is deeper.
+      if (child.NameId() == 0 || depth == 2 || !Take(child, depth + 1)) return false;
+    }
+    return true;
+  }
+
+ private:
+  // Each name of the document is converted once.
+  std::string_view NameOf(const IXMLDOMNode& node) {
+    std::string& name = names_[node.NameId()];
+    if (name.empty()) name = ToUtf8(node.get_nodeName());
+    return name;
+  }
+
+  Reader& reader_;
+  std::vector<std::string> names_;  // by their number in the document
 };
 
 // The checksum that a file ends with, and of how many bytes before it.
@@ -315,7 +339,7 @@ class CrcOfFirst {
 }  // namespace
 }  // namespace lmf_file
 
-// The checksum is compared with the very bytes that are parsed, whatever happens to the file in the meantime.
+// The checksum is compared with the very bytes that are read, whatever happens to the file in the meantime.
 bool ReadLmf(const String& sPath, clsLmf& oLmf) {
   using namespace lmf_file;
   InputFile file(sPath);
@@ -323,13 +347,22 @@ bool ReadLmf(const String& sPath, clsLmf& oLmf) {
   const Tail tail = ReadTail(file, checksum);
   if (tail == Tail::kDamaged) return false;
   const bool hasCheck = tail == Tail::kChecksum;
-  CrcOfFirst crc(hasCheck ? checksum.size : 0);
+  // A host's own parts see each element once.
+  if (hasCheck && typeid(oLmf) == typeid(clsLmf)) {
+    CrcOfFirst crc(checksum.size);
+    Reader reader(oLmf, hasCheck);
+    const auto pass = [&](std::string_view bytes) { crc.Pass(bytes); };
+    const auto take = [&](const Element& element, int depth) { return reader.Take(element, depth); };
+    if (ScanLmf(file, checksum.size, pass, take) && reader.IsWhole() && crc.Is(checksum.crc)) return true;
+    oLmf.Clear();
+  }
 
+  CrcOfFirst crc(hasCheck ? checksum.size : 0);
   DOMDocument document;
   if (!XmlReader::Load(document, std::move(file), [&](std::string_view bytes) { crc.Pass(bytes); })) return false;
   if (hasCheck && !crc.Is(checksum.crc)) return false;
-  const IXMLDOMNode root = document.selectSingleNode(u"lmf");
-  return root && Reader(oLmf).Read(root, hasCheck);
+  Reader reader(oLmf, hasCheck);
+  return Walk(reader, document.Root()).Take(document.Root()) && reader.IsWhole();
 }
 
 }  // namespace TORVA35

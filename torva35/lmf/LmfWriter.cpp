@@ -1,5 +1,7 @@
 #include <zlib.h>
 
+#include <algorithm>
+#include <array>
 #include <charconv>
 #include <concepts>
 #include <cstdio>
@@ -33,25 +35,46 @@ void AppendEscaped(std::string& out, char16_t unit) {
   out += escaped;
 }
 
+// What stands for a character of ASCII that an attribute cannot hold as it is; nothing for all others.
+constexpr std::string_view Replaced(char16_t unit) {
+  switch (unit) {
+    case u'&':
+      return "&amp;";
+    case u'<':
+      return "&lt;";
+    case u'"':
+      return "&quot;";
+    case u'\\':
+      return "\\\\";
+    default:
+      return {};
+  }
+}
+
+// Whether the unit stands in an attribute as it is, by its number.
+constexpr std::array<bool, 0x80> kIsPlain = [] {
+  std::array<bool, 0x80> plain{};
+  for (char16_t unit = 0x20; unit < plain.size(); ++unit) plain[unit] = Replaced(unit).empty();
+  return plain;
+}();
+
 /// Appends the text in the form in which an attribute holds it. inList: it is an entry of a list.
 void AppendText(std::string& out, StringView text, bool inList) {
   for (std::size_t i = 0; i < text.size(); ++i) {
+    // Most texts are plain, and go over in one piece.
+    const std::size_t begin = i;
+    while (i < text.size() && text[i] < kIsPlain.size() && kIsPlain[text[i]] && (text[i] != u'|' || !inList)) ++i;
+    out.resize(out.size() + i - begin);
+    std::copy_backward(text.begin() + begin, text.begin() + i, out.end());
+    if (i == text.size()) return;
     const char16_t unit = text[i];
     const bool pair = IsLead(unit) && i + 1 < text.size() && IsTrail(text[i + 1]);
-    if (unit == u'&') {
-      out += "&amp;";
-    } else if (unit == u'<') {
-      out += "&lt;";
-    } else if (unit == u'"') {
-      out += "&quot;";
-    } else if (unit == u'\\') {
-      out += "\\\\";
+    if (const std::string_view replaced = Replaced(unit); !replaced.empty()) {
+      out += replaced;
     } else if (pair) {
       out += ToUtf8(text.substr(i++, 2));
-    } else if (unit < 0x20 || (unit == u'|' && inList) || IsLead(unit) || IsTrail(unit) || unit >= 0xFFFE) {
+    } else if (unit < 0x20 || unit == u'|' || IsLead(unit) || IsTrail(unit) || unit >= 0xFFFE) {
       AppendEscaped(out, unit);
-    } else if (unit < 0x80) {
-      out += static_cast<char>(unit);
     } else {
       out += ToUtf8(text.substr(i, 1));
     }
@@ -197,9 +220,15 @@ class Writer {
     const Long count = strings.Count();
     if (count == 0) return;
     Begin(name);
-    for (Long i = 1; i <= count; ++i) {
-      AppendText(buffer_, strings.Item(i), true);
+    const auto append = [&](const String& entry) {
+      AppendText(buffer_, entry, true);
       buffer_ += '|';
+    };
+    // A host's own list is asked for each entry.
+    if (typeid(strings) == typeid(clsLmfStrings)) {
+      std::for_each(strings.begin(), strings.end(), append);
+    } else {
+      for (Long i = 1; i <= count; ++i) append(strings.Item(i));
     }
     buffer_ += '"';
   }
