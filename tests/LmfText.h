@@ -3,75 +3,58 @@
 #include <cstdio>
 #include <string>
 #include <string_view>
+#include <type_traits>
 
-#include "torva35/base/Text.h"
+#include "tests/Values.h"
 #include "torva35/lmf/LmfFile.h"
 #include "torva35/lmf/clsLmf.h"
 
 namespace TORVA35 {
 
-/// Everything that an LMF model holds as one text, a line for each member of each object, so that two models can
-/// be compared and a difference can be read.
-inline String LmfText(const clsLmf& oLmf) {
-  String all;
-  const auto line = [&](StringView name, const TaggedValue& value) {
-    all += String(name) + u": " + TextOf(value) + u"\n";
-  };
-  const auto strings = [&](StringView name, const clsLmfStrings& list) {
-    for (Long i = 1; i <= list.Count(); ++i) line(String(name) + u" " + Decimal(i), list.Item(i));
-  };
+// The members of an LMF question: X is given the name of each.
+#define LMF_TEXTS(X) X(Name) X(Text) X(DefaultText) DESCRIPTIONS(X)
+#define LMF_BOOLEANS(X) X(Graded) X(Subjective) X(CorrectAnd)
+#define LMF_WHOLES(X) X(CarriedFlag1) X(CarriedFlag2) X(QuestionMode) X(Multiples) X(CorrectCount)
+#define LMF_POINTS(X) X(CorrectPoints) X(IncorrectPoints) X(NoResponsePoints) X(SubjectivePoints) X(DefaultValue)
+#define LMF_VALUES(X) LMF_TEXTS(X) LMF_BOOLEANS(X) LMF_WHOLES(X) LMF_POINTS(X)
+#define LMF_LISTS(X) X(Labels) X(Values) X(CorrectLabels) X(CorrectValues)
 
-  line(u"Description", oLmf.Description());
-  line(u"Notes", oLmf.Notes());
-  line(u"Mode", oLmf.Mode());
-  line(u"PageCount", oLmf.PageCount());
-  for (Long i = 1; i <= oLmf.Objectives()->Count(); ++i) {
-    line(u"Objective", oLmf.Objectives()->Item(i)->Text());
-    if (const auto key = oLmf.Objectives()->KeyOf(i)) line(u"Key", *key);
-  }
-  line(u"HasBuiltIn", oLmf.Objectives()->HasBuiltIn());
+inline String Flags(const clsLmfObjectiveFlags& flags) {
+  String text;
+  for (Long i = 1; i <= flags.Count(); ++i) text += *flags.Item(i) ? u'1' : u'0';
+  return text;
+}
+
+/// What the question holds: a line for each member that is not empty, 0 or False. A list has its count before it.
+inline String LmfText(const clsLmfQuestion& question) {
+  String all;
+  const auto line = [&](StringView name, const auto& value) {
+    if (value != std::remove_cvref_t<decltype(value)>()) all += String(name) + u": " + TextOf(value) + u"\n";
+  };
+  const auto list = [&](StringView name, const clsLmfStrings& texts) {
+    line(name, texts.Count() == 0 ? u"" : Decimal(texts.Count()) + u" " + Joined(texts, u"¦"));
+  };
+#define LMF_LINE(member) line(u"" #member, question.member());
+#define LMF_LIST(member) list(u"" #member, *question.member());
+  LMF_VALUES(LMF_LINE);
+  LMF_LISTS(LMF_LIST);
+  line(u"Flags", Flags(*question.ObjectiveFlags()));
+  return all;
+}
+
+/// Everything that the model holds, likewise, so that two can be compared and a difference can be read.
+inline String LmfText(const clsLmf& oLmf) {
   const auto versions = oLmf.Versions();
-  line(u"SequenceQuestion", versions->SequenceQuestion());
-  line(u"VersionMode", versions->VersionMode());
-  strings(u"VersionNames", *versions->VersionNames());
-  for (const auto& sequence : *versions->Sequences()) {
-    String order;
-    for (Long i = 1; i <= sequence->Count(); ++i) order += u" " + Decimal(sequence->Item(i));
-    line(u"Sequence", order);
+  String all = oLmf.Description() + u"¦" + oLmf.Notes() + u"¦" +
+               Values({oLmf.Mode(), oLmf.PageCount(), oLmf.Objectives()->HasBuiltIn()}) + u"\nVersions: " +
+               Values({versions->SequenceQuestion(), versions->VersionMode(), versions->VersionNames()->Count()}) +
+               u" " + Joined(*versions->VersionNames(), u"¦") + u"\n";
+  for (const auto& sequence : *versions->Sequences()) all += u"Sequence: " + Joined(*sequence) + u"\n";
+  for (Long i = 1; i <= oLmf.Objectives()->Count(); ++i) {
+    const auto key = oLmf.Objectives()->KeyOf(i);
+    all += u"Objective: " + oLmf.Objectives()->Item(i)->Text() + (key ? u"¦" + *key : u"") + u"\n";
   }
-  for (const auto& question : *oLmf.Questions()) {
-    line(u"Name", question->Name());
-    line(u"Text", question->Text());
-    strings(u"Labels", *question->Labels());
-    strings(u"Values", *question->Values());
-    strings(u"CorrectLabels", *question->CorrectLabels());
-    strings(u"CorrectValues", *question->CorrectValues());
-    String flags;
-    for (Long i = 1; i <= question->ObjectiveFlags()->Count(); ++i) {
-      flags += *question->ObjectiveFlags()->Item(i) ? u'1' : u'0';
-    }
-    line(u"ObjectiveFlags", flags);
-    line(u"Graded", question->Graded());
-    line(u"Subjective", question->Subjective());
-    line(u"CarriedFlag1", question->CarriedFlag1());
-    line(u"CarriedFlag2", question->CarriedFlag2());
-    line(u"QuestionMode", question->QuestionMode());
-    line(u"Multiples", question->Multiples());
-    line(u"DefaultText", question->DefaultText());
-    line(u"DefaultValue", question->DefaultValue());
-    line(u"CorrectCount", question->CorrectCount());
-    line(u"CorrectAnd", question->CorrectAnd());
-    line(u"CorrectPoints", question->CorrectPoints());
-    line(u"IncorrectPoints", question->IncorrectPoints());
-    line(u"NoResponsePoints", question->NoResponsePoints());
-    line(u"SubjectivePoints", question->SubjectivePoints());
-    line(u"Difficulty", question->Difficulty());
-    line(u"Reference", question->Reference());
-    line(u"Topic", question->Topic());
-    line(u"Keywords", question->Keywords());
-    line(u"Miscellaneous", question->Miscellaneous());
-    line(u"Notes", question->Notes());
-  }
+  for (const auto& question : *oLmf.Questions()) all += u"\n" + LmfText(*question);
   return all;
 }
 

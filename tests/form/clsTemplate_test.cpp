@@ -23,6 +23,11 @@ Ref<clsTemplatePage> Page(const std::vector<Ref<clsTemplateField>>& fields) {
   return page;
 }
 
+// Of the first page.
+Ref<clsTemplateField> FieldOf(const clsTemplate& form, Long field) {
+  return form.Pages()->Item(1)->Fields()->Item(field);
+}
+
 std::vector<Long> Numbers(const clsTemplate& form) {
   std::vector<Long> numbers;
   for (const auto& page : *form.Pages()) {
@@ -33,20 +38,22 @@ std::vector<Long> Numbers(const clsTemplate& form) {
   return numbers;
 }
 
+using Expected = std::vector<Long>;
+
 TEST(clsTemplate, NumberFollowsTheOutputQuestionsOfAMerge) {
   clsTemplate form;
   const auto late = Field(7, 0);
-  form.Pages()->Add(Page({Field(0, 2), Field(7, 2), Field(7, 2)}));
+  form.Pages()->Add(Page({Field(1, 2), Field(7, 2), Field(7, 2)}));
   form.Pages()->Add(Page({late, Field(0, 1), Field(7, 1), Field(8, 1)}));
-  EXPECT_EQ(Numbers(form), (std::vector<Long>{1, 2, 3, 4, 4, 4, 5, 6, 7}));
+  EXPECT_EQ(Numbers(form), (Expected{1, 2, 3, 4, 4, 4, 5, 6, 7}));
 
   late->Questions()->AddNew();
-  EXPECT_EQ(Numbers(form), (std::vector<Long>{1, 2, 3, 4, 4, 4, 4, 5, 6, 7})) << "a group reaches over the page";
+  EXPECT_EQ(Numbers(form), (Expected{1, 2, 3, 4, 4, 4, 4, 5, 6, 7})) << "a group reaches over the page";
   late->GroupID(9);
-  EXPECT_EQ(Numbers(form), (std::vector<Long>{1, 2, 3, 4, 4, 4, 5, 6, 7, 8}));
+  EXPECT_EQ(Numbers(form), (Expected{1, 2, 3, 4, 4, 4, 5, 6, 7, 8}));
   const auto added = Field(0, 1);
   form.Pages()->Item(1)->Fields()->Add(added);
-  EXPECT_EQ(Numbers(form), (std::vector<Long>{1, 2, 3, 4, 4, 4, 5, 6, 7, 8, 9}));
+  EXPECT_EQ(Numbers(form), (Expected{1, 2, 3, 4, 4, 4, 5, 6, 7, 8, 9}));
 
   added->Questions()->Item(1)->Number(40);
   EXPECT_EQ(added->Questions()->Item(1)->Number(true), 40);
@@ -54,85 +61,61 @@ TEST(clsTemplate, NumberFollowsTheOutputQuestionsOfAMerge) {
   EXPECT_EQ(late->Questions()->Item(1)->Number(true), 0);
 }
 
-TEST(clsTemplate, APartOutlivesItsForm) {
-  auto form = New<clsTemplate>();
-  form->Pages()->Add(Page({Field(0, 1)}));
-  const auto pages = form->Pages();
-  const auto question = pages->Item(1)->Fields()->Item(1)->Questions()->Item(1);
-  EXPECT_EQ(question->Number(true), 1);
-  form.reset();
+TEST(clsTemplate, APartCountsInTheFormToWhichItWasAddedLast) {
+  const auto shared = Field(0, 1);
+  auto first = New<clsTemplate>(), second = New<clsTemplate>();
+  first->Pages()->Add(Page({shared, Field(0, 1)}));
+  second->Pages()->Add(Page({Field(0, 1), Field(0, 1), shared}));
+  for (int i = 0; i < 2; ++i) {
+    EXPECT_EQ(Numbers(*second), (Expected{1, 2, 3}));
+    EXPECT_EQ(Numbers(*first), (Expected{3, 2}));
+  }
+  second->Clear();
+  EXPECT_EQ(Numbers(*first), (Expected{0, 2}));
+  // It outlives the form.
+  const auto pages = first->Pages();
+  const auto question = FieldOf(*first, 2)->Questions()->Item(1);
+  first.reset();
   EXPECT_EQ(question->Number(true), 0);
   pages->Add(Page({}));
   EXPECT_EQ(question->Number(true), 0);
-}
-
-TEST(clsTemplate, AFieldCountsInTheFormToWhichItWasAddedLast) {
-  const auto shared = Field(0, 1);
-  clsTemplate first, second;
-  first.Pages()->Add(Page({shared, Field(0, 1)}));
-  second.Pages()->Add(Page({Field(0, 1), Field(0, 1), shared}));
-  EXPECT_EQ(Numbers(second), (std::vector<Long>{1, 2, 3}));
-  EXPECT_EQ(Numbers(first), (std::vector<Long>{3, 2}));
-  EXPECT_EQ(Numbers(second), (std::vector<Long>{1, 2, 3}));
-  second.Clear();
-  EXPECT_EQ(Numbers(first), (std::vector<Long>{0, 2}));
 }
 
 TEST(clsTemplate, CountsAndNames) {
   clsTemplate form;
   EXPECT_EQ(form.QuestionNames(1, form.QuestionCount(), 0, u"\t", 0), Array<String>());
   form.Pages()->Add(Page({Field(7, 2), Field(7, 1)}));
-  const auto questions = form.Pages()->Item(1)->Fields()->Item(1)->Questions();
-  questions->Item(1)->Name(u"Q1");
-  questions->Item(2)->Name(u"Q2");
-  questions->Item(1)->Graded(true);
-  questions->Item(2)->Graded(true);
-  EXPECT_EQ(form.PageCount(), 1);
-  EXPECT_EQ(form.QuestionCount(), 3);
-  EXPECT_EQ(form.GradedCount(), 2);
-  questions->Item(2)->Graded(false);
-  EXPECT_EQ(form.GradedCount(), 1);
-
+  for (Long q : {1, 2}) {
+    FieldOf(form, 1)->Questions()->Item(q)->Name(u"Q" + Decimal(q));
+    FieldOf(form, 1)->Questions()->Item(q)->Graded(true);
+    EXPECT_EQ(Values({form.PageCount(), form.QuestionCount(), form.GradedCount()}), u"1 3 " + Decimal(q));
+  }
   EXPECT_EQ(form.QuestionNames(1, 3, 0, u"\t", 0), Array<String>(1, {u"Q1", u"Q2", u""}));
   EXPECT_EQ(form.QuestionNames(2, 2, 0, u"\t", 0), Array<String>(1, {u"Q2"}));
   EXPECT_EQ(Raised([&] { form.QuestionNames(1, 4, 0, u"\t", 0); }), kSubscriptOutOfRange);
   EXPECT_EQ(Raised([&] { form.QuestionNames(0, 1, 0, u"\t", 0); }), kSubscriptOutOfRange);
   form.Clear();
   EXPECT_EQ(form.PageCount() + form.QuestionCount(), 0);
-}
 
-TEST(clsTemplate, CountsBeyondAnIntegerRaise) {
-  clsTemplate form;
   form.Pages()->Add(Page({Field(0, 20000), Field(0, 12767)}));
   EXPECT_EQ(form.QuestionCount(), 32767);
-  const auto last = form.Pages()->Item(1)->Fields()->Item(2)->Questions();
-  last->AddNew();
+  FieldOf(form, 2)->Questions()->AddNew();
   EXPECT_EQ(Raised([&] { form.QuestionCount(); }), kOverflow);
   EXPECT_EQ(form.GradedCount(), 0);
-  EXPECT_EQ(last->Item(12768)->Number(true), 32768);
+  EXPECT_EQ(FieldOf(form, 2)->Questions()->Item(12768)->Number(true), 32768);
 }
 
 TEST(clsTemplate, ACopyIsEqualAndSharesNothing) {
   auto form = New<clsTemplate>();
   form->Pages()->Add(Page({Field(7, 1), Field(7, 2)}));
   form->Pages()->Add(Page({}));
-  const auto field = form->Pages()->Item(1)->Fields()->Item(2);
+  const auto field = FieldOf(*form, 2);
   field->Name(u"Block");
-  field->FieldClass(1);
   field->FieldType(4);
-  field->FieldMode(3);
-  field->Subjective(true);
   const auto question = field->Questions()->Item(2);
   question->Name(u"Q");
-  question->Text(u"What?");
   question->Graded(true);
-  question->Subjective(true);
-  question->Multiples(2);
-  question->CorrectPoints(1.5);
   question->IncorrectPoints(-0.5);
-  question->NoResponsePoints(0.25);
-  question->CarriedFlag1(11);
-  question->CarriedFlag2(12);
   question->Number(77);
   question->Labels()->AddArray({u"A", u"B"});
   question->Values()->AddArray({u"1", u"2"});
@@ -141,27 +124,33 @@ TEST(clsTemplate, ACopyIsEqualAndSharesNothing) {
   field->Questions()->Item(1)->Values(nullptr);
   const auto copy = form->Copy(true, false);
   // Changes on either side stay there.
-  question->Text(u"changed");
+  question->Name(u"changed");
   question->Graded(false);
   field->Questions()->AddNew();
-  const auto f = copy->Pages()->Item(1)->Fields()->Item(2);
-  const auto q = f->Questions()->Item(2);
-  q->Labels()->Item(1, u"");
+  const auto copied = FieldOf(*copy, 2);
+  const auto first = copied->Questions()->Item(1), second = copied->Questions()->Item(2);
+  first->Labels()->Item(1, u"");
 
-  EXPECT_EQ(Values({copy->PageCount(), copy->QuestionCount(), copy->GradedCount(), form->GradedCount()}),
-            u"2 3 1 0");
-  EXPECT_EQ(Values({f->Name(), f->FieldClass(), f->FieldType(), f->FieldMode(), f->GroupID(), f->Subjective()}),
-            u"Block 1 4 3 7 True");
-  EXPECT_EQ(Values({q->Name(), q->Text(), q->Subjective(), q->Multiples(), q->CorrectPoints(),
-                    q->IncorrectPoints(), q->NoResponsePoints(), q->CarriedFlag1(), q->CarriedFlag2()}),
-            u"Q What? True 2 1.5 -0.5 0.25 11 12");
-  EXPECT_EQ(q->Values()->AsArray(), Array<String>(1, {u"1", u"2"}));
-  EXPECT_EQ(q->Labels()->AsArray(), Array<String>(1, {u"", u"B"}));
-  EXPECT_EQ(question->Labels()->AsArray(), Array<String>(1, {u"A", u"B"}));
-  EXPECT_EQ(f->Questions()->Item(1)->Labels()->AsArray(), Array<String>(1, {u"A", u"B"}));
-  EXPECT_EQ(f->Questions()->Item(1)->Values(), nullptr);
+  EXPECT_EQ(Values({copy->PageCount(), copy->QuestionCount(), copy->GradedCount(), form->GradedCount(),
+                    copied->Name(), copied->FieldType(), copied->GroupID(), second->Name(),
+                    second->IncorrectPoints(), Joined(*second->Labels()), Joined(*second->Values())}),
+            u"2 3 1 0 Block 4 7 Q -0.5 A|B 1|2");
+  EXPECT_EQ(Joined(*question->Labels()) + Joined(*first->Labels()), u"A|B|B");
+  EXPECT_EQ(first->Values(), nullptr);
   form.reset();
-  EXPECT_EQ(Numbers(*copy), (std::vector<Long>{1, 1, 77}));
+  EXPECT_EQ(Numbers(*copy), (Expected{1, 1, 77}));
+}
+
+TEST(clsTemplate, NewPartsAreBlank) {
+  const clsTemplateField field;
+  EXPECT_EQ(
+      Values({field.FieldClass(), field.FieldType(), field.FieldMode(), field.GroupID(), field.Subjective()}),
+      u"0 0 0 0 False");
+  const clsTemplateQuestion question;
+  EXPECT_EQ(Values({question.CorrectPoints(), question.IncorrectPoints(), question.NoResponsePoints(),
+                    question.CarriedFlag1(), question.CarriedFlag2(), question.Multiples(), question.Graded(),
+                    question.Subjective(), question.Labels()->Count(), question.Values()->Count()}),
+            u"0 0 0 0 0 0 False False 0 0");
 }
 
 TEST(clsTemplate, IndexFailuresHaveTheirNumbers) {
@@ -195,7 +184,7 @@ TEST(clsTemplate, AHostsOwnQuestionCanRaise) {
   form.Pages()->Add(Page({field}));
   const auto copy = form.Copy(true, false);
   EXPECT_EQ(Raised([&] { copy->GradedCount(); }), kInternalError);
-  EXPECT_EQ(Numbers(*copy), (std::vector<Long>{1, 2}));
+  EXPECT_EQ(Numbers(*copy), (Expected{1, 2}));
 }
 
 }  // namespace

@@ -2,22 +2,16 @@
 
 #include <atomic>
 #include <cmath>
-#include <filesystem>
 #include <limits>
-#include <string>
 #include <thread>
-#include <vector>
 
 #include "tests/LmfText.h"
 #include "tests/TempFile.h"
-#include "tests/lmf/Folder.h"
 #include "tests/platform/Wine.h"
-#include "torva35/lmf/clsLmf.h"
 
 namespace TORVA35 {
 namespace {
 
-namespace fs = std::filesystem;
 using namespace std::string_literals;
 
 // The model that Open makes of these bytes, or "refused"; a refusal has to leave an empty model.
@@ -33,121 +27,95 @@ String Opened(std::string_view bytes) {
 }
 
 // Each of these strings is lost by some naive way of storing it.
-const std::vector<String> kNasty = {
-    u"",
-    u" ",
-    u" \t\r\n ",
-    u" both ends ",
-    u"a\r\nb\rc\nd",
-    u"<a href=\"x\">&amp;'</a>]]>",
-    u"\\",
-    u"\\u0041\\\\|",
-    u"|",
-    u"a|b|",
-    String(u"NUL \0 inside", 12),
-    String(1, u'\0'),
-    u"\u0001\u001F\u007F\u0085\u009F\u2028\uFEFF\uFFFD",
-    u"\uFFFE\uFFFF",
-    String{0xD800},
-    String{u'x', 0xDC00, 0xD83D},
-    String{0xDC00, 0xD800},
-    u"\U0001F600é€\U0010FFFF",
-};
+const Array<String> kNasty = Split(
+    u"# # \t\r\n # both ends #a\r\nb\rc\nd#<a href=\"x\">&amp;'</a>]]>#\\#\\u0041\\\\|#|#a|b|#NUL \0 inside#\0#"
+    u"\u0001\u001F\u007F\u0085\u009F\u2028\uFEFF\uFFFD#\uFFFE\uFFFF#\xD800#x\xDC00\xD83D#\xDC00\xD800#"
+    u"\U0001F600é€\U0010FFFF"s,
+    u"#");
 
-Ref<clsLmfQuestion> NastyQuestion(std::size_t seed) {
-  auto text = [&, i = seed]() mutable { return kNasty[i++ % kNasty.size()]; };
+// One of them: the first comes again after the last.
+const String& Nasty(Long place) {
+  return kNasty[place % kNasty.Size()];
+}
+
+Ref<clsLmfQuestion> NastyQuestion(Long seed) {
   auto question = New<clsLmfQuestion>();
-  question->Name(text());
-  question->Text(text());
-  question->DefaultText(text());
-  question->Difficulty(text());
-  question->Reference(text());
-  question->Topic(text());
-  question->Keywords(text());
-  question->Miscellaneous(text());
-  question->Notes(text());
-  for (std::size_t i = 0; i < seed; ++i) question->Labels()->Add(text());
-  for (std::size_t i = 0; i < seed / 2; ++i) question->Values()->Add(text());
-  question->CorrectLabels()->Add(text());
-  question->CorrectValues()->Add(text());
-  question->CorrectValues()->Add(text());
-  question->ObjectiveFlags()->AddFalse(static_cast<Long>(seed));
-  for (std::size_t i = 1; i <= seed; i += 1 + i / 3) question->ObjectiveFlags()->Value(static_cast<Long>(i), true);
-  question->Graded(seed % 2 == 0);
-  question->Subjective(seed % 3 == 0);
-  question->CorrectAnd(seed % 5 == 0);
+  Long next = seed;
+#define SET_TEXT(member) question->member(Nasty(next++));
+#define SET_BOOLEAN(member) question->member(++next % 3 == 0);
+#define SET_LIST(member) \
+  for (Long i = next++ % 7 * seed / 9; i > 0; --i) question->member()->Add(Nasty(next++));
+  LMF_TEXTS(SET_TEXT);
+  LMF_BOOLEANS(SET_BOOLEAN);
+  LMF_LISTS(SET_LIST);
+  question->ObjectiveFlags()->AddFalse(seed);
+  for (Long i = 1; i <= seed; i += 1 + i / 3) question->ObjectiveFlags()->Value(i, true);
   return question;
 }
 
 void FillNasty(clsLmf& lmf) {
+  constexpr Long kLeast = std::numeric_limits<Long>::min(), kLargest = std::numeric_limits<Long>::max();
   lmf.Prepare();
-  lmf.Description(kNasty[4]);
-  lmf.Notes(kNasty[2]);
-  lmf.Mode(std::numeric_limits<Long>::min());
-  lmf.PageCount(std::numeric_limits<Long>::max());
-  for (std::size_t i = 0; i < kNasty.size(); ++i) {
+  lmf.Description(Nasty(4));
+  lmf.Notes(Nasty(2));
+  lmf.Mode(kLeast);
+  lmf.PageCount(kLargest);
+  for (Long i = 0; i < kNasty.Size(); ++i) {
     auto objective = New<clsLmfObjective>();
-    objective->Text(kNasty[i]);
-    if (i % 4 == 3) {
-      lmf.Objectives()->Add(objective);
-    } else {
-      lmf.Objectives()->Add(objective, kNasty[i]);
-    }
-    lmf.Versions()->VersionNames()->Add(kNasty[i]);
+    objective->Text(Nasty(i));
+    lmf.Objectives()->Add(objective, i % 4 == 3 ? TaggedValue(Missing) : Nasty(i));
+    lmf.Versions()->VersionNames()->Add(Nasty(i));
     lmf.Questions()->Add(NastyQuestion(i * 5));
   }
   lmf.Versions()->SequenceQuestion(-7);
   lmf.Versions()->Sequences()->AddDefault(18);
-  auto sequence = New<clsLmfSequence>();
-  lmf.Versions()->Sequences()->Add(sequence);
-  sequence = New<clsLmfSequence>();
-  sequence->SetOrder(Array<Long>(1, {3, -1, std::numeric_limits<Long>::max(), std::numeric_limits<Long>::min()}));
-  lmf.Versions()->Sequences()->Add(sequence);
-
+  for (const Array<Long>& order : {Array<Long>(), Array<Long>(1, {3, -1, kLargest, kLeast})}) {
+    auto sequence = New<clsLmfSequence>();
+    sequence->SetOrder(order);
+    lmf.Versions()->Sequences()->Add(sequence);
+  }
   const auto numbers = lmf.Questions()->Item(1);
-  numbers->QuestionMode(std::numeric_limits<Long>::min());
-  numbers->CorrectCount(std::numeric_limits<Long>::max());
+  Integer whole = -2;
+#define SET_WHOLE(member) numbers->member(whole++);
+  LMF_WHOLES(SET_WHOLE);
+  numbers->QuestionMode(kLeast);
+  numbers->CorrectCount(kLargest);
   numbers->Multiples(std::numeric_limits<Integer>::min());
-  numbers->CarriedFlag1(std::numeric_limits<Integer>::max());
-  numbers->CarriedFlag2(-1);
   numbers->CorrectPoints(0.1);
   numbers->IncorrectPoints(-std::numeric_limits<Double>::infinity());
   numbers->NoResponsePoints(std::numeric_limits<Double>::quiet_NaN());
   numbers->SubjectivePoints(std::numeric_limits<Double>::denorm_min());
   numbers->DefaultValue(1.0 / 3);
+  lmf.Questions()->Item(2)->CorrectPoints(-0.0);
 }
 
 TEST(LmfFile, AnOpenedModelIsEqualToTheSavedOne) {
-  const Folder folder;
   clsLmf lmf;
   FillNasty(lmf);
-  lmf.Questions()->Item(2)->CorrectPoints(-0.0);
-  ASSERT_TRUE(Save(lmf, folder.File("a")));
+  const TempFile first, second;
+  ASSERT_TRUE(lmf.Save(first.Path()));
   clsLmf opened;
-  ASSERT_TRUE(opened.Open(FromUtf8(folder.File("a"))));
+  ASSERT_TRUE(opened.Open(first.Path()));
   EXPECT_EQ(LmfText(opened), LmfText(lmf));
   EXPECT_TRUE(std::signbit(opened.Questions()->Item(2)->CorrectPoints()));
-  EXPECT_TRUE(opened.Objectives()->Exists(kNasty[5]));
-  ASSERT_TRUE(Save(opened, folder.File("b")));
-  EXPECT_EQ(Bytes(folder.File("b")), Bytes(folder.File("a")));
+  EXPECT_TRUE(opened.Objectives()->Exists(Nasty(5)));
+  ASSERT_TRUE(opened.Save(second.Path()));
+  EXPECT_EQ(second.Bytes(), first.Bytes());
 }
 
 TEST(LmfFile, ObjectivesWithoutTheBuiltInOneGetItWithAFlag) {
   clsLmf lmf;
-  auto objective = New<clsLmfObjective>();
-  objective->Text(u"x");
-  lmf.Objectives()->Add(objective, u"x");
-  lmf.Questions()->Add(New<clsLmfQuestion>());
-  lmf.Questions()->Add(New<clsLmfQuestion>());
-  lmf.Questions()->Item(2)->ObjectiveFlags()->Add(true);
+  lmf.Objectives()->Add(New<clsLmfObjective>(), u"x");
+  for (int i = 0; i < 2; ++i) lmf.Questions()->Add(New<clsLmfQuestion>());
+  const auto flags = lmf.Questions()->Item(2)->ObjectiveFlags();
+  flags->Add(true);
   const TempFile file;
   ASSERT_TRUE(lmf.Save(file.Path()));
   clsLmf opened;
   ASSERT_TRUE(opened.Open(file.Path()));
   lmf.Prepare();
-  lmf.Questions()->Item(2)->ObjectiveFlags()->RemoveAll();
-  lmf.Questions()->Item(2)->ObjectiveFlags()->Add(false);
-  lmf.Questions()->Item(2)->ObjectiveFlags()->Add(true);
+  flags->RemoveAll();
+  for (const bool flag : {false, true}) flags->Add(flag);
   EXPECT_EQ(LmfText(opened), LmfText(lmf));
 }
 
@@ -158,7 +126,7 @@ TEST(LmfFile, NoByteCanBeLostOrChanged) {
   lmf.Versions()->Sequences()->AddDefault(1);
   const TempFile file;
   ASSERT_TRUE(lmf.Save(file.Path()));
-  const std::string good = Bytes(ToUtf8(file.Path()));
+  const std::string good = file.Bytes();
   ASSERT_NE(Opened(good), u"refused");
   for (std::size_t i = 0; i < good.size(); ++i) {
     EXPECT_EQ(Opened(good.substr(0, i)), u"refused") << i;
@@ -175,7 +143,7 @@ TEST(LmfFile, OpensAlikeWithAndWithoutTheParser) {
   FillNasty(lmf);
   const TempFile file;
   ASSERT_TRUE(lmf.Save(file.Path()));
-  const std::string whole = Bytes(ToUtf8(file.Path()));
+  const std::string whole = file.Bytes();
   const std::string saved = whole.substr(0, whole.find(lmf_file::kCheckBegin));
   const auto bothWays = [](std::string body) {
     const String opened = Opened(WithChecksum(body));
@@ -227,79 +195,97 @@ TEST(LmfFile, OpensAlikeWithAndWithoutTheParser) {
 }
 
 TEST(LmfFile, TheDocumentedExampleIsWhatSaveWrites) {
-  const std::string page = Bytes(TEST_DATA "/../../docs/lmf-format.md");
+  const std::string page = BytesOf(TEST_DATA "/../../docs/lmf-format.md");
   const std::size_t begin = page.find("```xml\n") + 7;
   const std::string example = page.substr(begin, page.find("\n```", begin) - begin);
   const TempFile file(example);
   clsLmf lmf;
   ASSERT_TRUE(lmf.Open(file.Path()));
   ASSERT_TRUE(lmf.Save(file.Path()));
-  EXPECT_EQ(Bytes(ToUtf8(file.Path())), example);
+  EXPECT_EQ(file.Bytes(), example);
 }
 
 // Files of other writers may lack the checksum, so that the reader has to look itself.
-std::string Document(std::string_view attributes, std::string_view objectives, std::string_view questions,
-                     std::string_view versions) {
-  return "<lmf " + std::string(attributes) + "><objectives>" + std::string(objectives) +
-         "</objectives><questions>" + std::string(questions) + "</questions>" + std::string(versions) + "</lmf>";
-}
+struct Document {
+  std::string attributes = "version='1'", objectives = "<objective/>", questions = "", versions = "<versions/>";
+  String Open() const {
+    return Opened("<lmf " + attributes + "><objectives>" + objectives + "</objectives><questions>" + questions +
+                  "</questions>" + versions + "</lmf>");
+  }
+};
 
 TEST(LmfFile, AFileWrittenByHandOpens) {
-  const String opened =
-      Opened(Document("version='1' mode='1'", "<objective text='All'/><objective text='a' key='K'/>",
-                      "<!-- one --><question text='\\u00e9|\\\\' labels='A||' graded='0'\n"
-                      "objectives='5:88' correctPoints='1e1'/>",
-                      "<versions names='|'><sequence>\n 1  2\n</sequence><sequence/></versions>"));
-  for (const StringView line : {u"Mode: 1", u"Objective: All", u"Key: K", u"Text: é|\\", u"Labels 1: A",
-                                u"Labels 2: ", u"ObjectiveFlags: 10001", u"CorrectPoints: 10", u"VersionNames 1: ",
-                                u"VersionMode: 2", u"Sequence:  1 2", u"Sequence: "}) {
-    EXPECT_NE(opened.find(u"\n" + String(line) + u"\n"), opened.npos) << ToUtf8(line);
-  }
+  EXPECT_EQ((Document{.attributes = "version='1' mode='1'",
+                      .objectives = "<objective text='All'/><objective text='a' key='K'/>",
+                      .questions = "<!-- one --><question text='\\u00e9|\\\\' labels='A||' graded='0'\n"
+                                   "objectives='5:88' correctPoints='1e1'/>",
+                      .versions = "<versions names='|'><sequence>\n 1  2\n</sequence><sequence/></versions>"}
+                 .Open()),
+            u"¦¦1 0 True\nVersions: 0 2 1 \nSequence: 1|2\nSequence: \nObjective: All\nObjective: a¦K\n\n"
+            u"Text: é|\\\nCorrectPoints: 10\nLabels: 2 A¦\nFlags: 10001\n");
 }
 
 TEST(LmfFile, ForeignAndInconsistentFilesAreRefused) {
-  const auto with = [](std::string_view attributes, std::string_view objectives = "<objective/>",
-                       std::string_view questions = "", std::string_view versions = "<versions/>") {
-    return Opened(Document(attributes, objectives, questions, versions));
-  };
-  ASSERT_NE(with("version='1'"), u"refused");
-  ASSERT_NE(with("version='1'", "<objective/>", "<question/>"), u"refused");
+  ASSERT_NE(Document().Open(), u"refused");
+  ASSERT_NE(Document{.questions = "<question/>"}.Open(), u"refused");
   for (const char* bytes : {"", "no XML", "<lmf/>", "<LMF version='1'/>"}) EXPECT_EQ(Opened(bytes), u"refused");
-  for (const char* root :
+  std::vector<Document> rows;
+  for (const char* attributes :
        {"", "version='2'", "version='1' color='x'", "version='1' mode='2147483648'", "version='1' mode=''"}) {
-    EXPECT_EQ(with(root), u"refused") << root;
+    rows.push_back({.attributes = attributes});
   }
   for (const char* objectives :
        {"", "<objective key='x'/>", "<objective/>text", "<objective/><objective key='x'/><objective key='X'/>"}) {
-    EXPECT_EQ(with("version='1'", objectives), u"refused") << objectives;
+    rows.push_back({.objectives = objectives});
   }
   for (const char* attributes :
        {"color='x'", "text='\\'", "text='\\u12'", "text='\\u12 4'", "text='\\n'", "labels='A'", "graded='2'",
         "graded=''", "multiples='32768'", "multiples='1.5'", "correctPoints='1e999'", "correctPoints='1,5'",
         "objectives='2000000000:0'", "objectives='-1:'", "objectives='5:8'", "objectives='4:80'",
         "objectives='3:1'", "objectives='4:g'", "objectives='4'"}) {
-    const std::string question = "<question " + std::string(attributes) + "/>";
-    EXPECT_EQ(with("version='1'", "<objective/>", question), u"refused") << question;
+    rows.push_back({.questions = "<question " + std::string(attributes) + "/>"});
   }
-  for (const char* questions : {"<q/>", "<question><x/></question>"}) {
-    EXPECT_EQ(with("version='1'", "<objective/>", questions), u"refused") << questions;
-  }
+  for (const char* questions : {"<q/>", "<question><x/></question>"}) rows.push_back({.questions = questions});
   for (const char* versions :
        {"", "<versions/><versions/>", "<versions/><check crc32='00000000'/>",
         "<versions><sequence>1 x</sequence></versions>", "<versions><sequence>1<x/>2</sequence></versions>",
         "<versions><sequence>4294967297</sequence></versions>"}) {
-    EXPECT_EQ(with("version='1'", "<objective/>", "", versions), u"refused") << versions;
+    rows.push_back({.versions = versions});
   }
+  for (const Document& row : rows) {
+    EXPECT_EQ(row.Open(), u"refused") << row.attributes << row.objectives << row.questions << row.versions;
+  }
+}
 
+TEST(LmfFile, PathsThatCannotBeOpenedOrSaved) {
   const Folder folder;
   clsLmf lmf;
-  EXPECT_FALSE(lmf.Open(FromUtf8(folder.File("missing"))));
-  EXPECT_FALSE(lmf.Open(FromUtf8(folder.path)));
-  EXPECT_FALSE(lmf.Open(u""));
   // Nobody reads that to its end.
   Write(folder.File("large"), "");
-  fs::resize_file(folder.File("large"), 20ULL << 30);
-  EXPECT_FALSE(lmf.Open(FromUtf8(folder.File("large"))));
+  std::filesystem::resize_file(folder.File("large"), 20ULL << 30);
+  for (const std::string& path : {folder.File("missing"), folder.File("large"), folder.path, ""s}) {
+    EXPECT_FALSE(lmf.Open(FromUtf8(path))) << path;
+  }
+  for (const std::string& path :
+       {folder.File("none/a.lmf"), folder.path, folder.path + "/", ""s, folder.File("b") + '\0'}) {
+    EXPECT_FALSE(lmf.Save(FromUtf8(path))) << path;
+  }
+  EXPECT_EQ(folder.Names(), std::vector<std::string>{"large"});
+}
+
+TEST(LmfFile, NamesOfAnyLanguage) {
+  const Folder folder;
+  const String name = u"Prüfung 试验 тест 🎓.lmf";
+  const auto before = std::filesystem::current_path();
+  std::filesystem::current_path(folder.path);
+  clsLmf lmf, opened;
+  for (const String& path : {FromUtf8(folder.path) + u"/" + name, name}) {
+    lmf.Notes(path);
+    EXPECT_TRUE(lmf.Save(path) && opened.Open(path)) << ToUtf8(path);
+    EXPECT_EQ(opened.Notes(), path);
+  }
+  EXPECT_EQ(folder.Names().size(), 1u);
+  std::filesystem::current_path(before);
 }
 
 TEST(LmfFile, AFileOpensAsOneOfThoseThatTakeItsPlace) {

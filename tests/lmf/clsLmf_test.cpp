@@ -5,7 +5,6 @@
 #include <vector>
 
 #include "tests/LmfText.h"
-#include "tests/Values.h"
 
 namespace TORVA35 {
 namespace {
@@ -44,6 +43,7 @@ TEST(clsLmf, ObjectivesHaveOneBuiltInEntryAndKeysWithoutCase) {
 }
 
 TEST(clsLmf, ClearEmptiesTheListsThatWereHandedOut) {
+  EXPECT_EQ(LmfText(clsLmfQuestion()), u"");  // nothing, 0 and False everywhere
   clsLmf lmf;
   const String fresh = LmfText(lmf);
   const auto questions = lmf.Questions();
