@@ -161,6 +161,22 @@ TEST_F(LmfImport, ObjectivesBeyondTheLimitEndTheImport) {
   EXPECT_EQ(test->Questions()->Count(), 3355);
 }
 
+TEST_F(LmfImport, ObjectivesThatComeInWhileTheyAreRead) {
+  const auto duplicate = New<clsTORVATestQuestion>();
+  duplicate->ID(u"1");
+  test->Questions()->Add(duplicate);
+  lmf->Prepare();
+  AddObjective(u"0");
+  Add({u"A", u"B"});
+  const auto flags = Add({u"A", u"B"})->ObjectiveFlags();
+  host->onFailure = [&] {
+    for (Long k = 1; k <= 1000; ++k) AddObjective(Decimal(k)), flags->Add(true);
+  };
+  EXPECT_TRUE(basPublic::BuildTestFromLMF(test, lmf));
+  EXPECT_EQ(TakeFailures(), "457 clsTORVATestQuestions.Add");
+  EXPECT_EQ(Question(2)->LearningObjectives()->Count(), 1000);
+}
+
 TEST_F(LmfImport, PositionsScalesAndMisplacedSubjectiveQuestions) {
   Add({u"a", u"b"});
   Add({}, {}, true, true)->SubjectivePoints(4);  // misplaced

@@ -104,7 +104,9 @@ class ObjectivesReader {
     const Long count = all.Count();
     if (count < 2) return;
     const Kept flags(from.ObjectiveFlags());
-    if (shared_ != nullptr) return Take(Ask(flags), count, objectives);
+    // A failure of an earlier question may have told a host, who then changed the list.
+    const bool isShared = shared_ != nullptr && static_cast<std::size_t>(count) == lastTaker_.size();
+    if (isShared) return Take(Ask(flags), count, objectives);
     for (Long k = NextTrue(Ask(flags), 1, count); k != 0; k = NextTrue(*flags, k, count)) {
       const String text(Trim(Ask(Kept(all.Item(k))).Text()));
       if (!objectives.Exists(text)) objectives.Add(text, text);
