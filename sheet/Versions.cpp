@@ -207,8 +207,9 @@ bool NameVersions(const std::vector<Input>& inputs, const Options& options, cons
                   std::vector<Source>& sources, Findings& findings) {
   if (!options.versionNames.empty() && options.versionNames.size() != sources.size()) {
     findings.Add(Severity::kError, "version-names",
-                 "there are " + std::to_string(sources.size()) + " versions, and names for " +
-                     std::to_string(options.versionNames.size()));
+                 (sources.size() == 1 ? "there is 1 version"
+                                      : "there are " + std::to_string(sources.size()) + " versions") +
+                     ", and names for " + std::to_string(options.versionNames.size()));
     return false;
   }
   bool good = true;

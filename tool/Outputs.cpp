@@ -31,7 +31,8 @@ std::string LastError() {
 // The file that a path leads to, whether it is there or not.
 fs::path Target(const fs::path& path) {
   std::error_code error;
-  const fs::path target = fs::weakly_canonical(path, error);
+  // Absolute first: a name of which nothing is there yet would stay as it is.
+  const fs::path target = fs::weakly_canonical(fs::absolute(path), error);
   return error ? fs::absolute(path) : target;
 }
 

@@ -240,6 +240,7 @@ TEST_F(Tool, LosesNothingWhereItCannotWrite) {
       {"--csv " + Path("link.xml"), "is a file to read"},
       {"--json " + Path("hard.xml"), "is a file to read"},
       {"--csv " + Path("x.csv") + " --json " + Path("./x.csv"), "x.csv: is to be written twice"},
+      {"--csv no.name-5 --json ./no.name-5", "./no.name-5: is to be written twice"},
       {"--csv " + Path("folder"), "folder: is a folder"},
       {"--reader " + input, "in.xml: is no folder"},
       {"--reader " + Path("folder"), "folder/C/template.json: is of another sheet"},
