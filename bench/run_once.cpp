@@ -74,6 +74,14 @@ std::function<void()> AddSequence(const std::string& argument) {
   return [engine] { NeedTrue(engine->Tests()->Item(1)->AddSequence(engine->Tests()->Item(2))); };
 }
 
+// The end of the copy is not counted.
+std::function<void()> Copy(const std::string& argument) {
+  return [test = MakeTest(CountOf(argument)), copy = Ref<clsTORVATest>()]() mutable {
+    copy = test->Copy();
+    Need(copy);
+  };
+}
+
 // The data file of a merge, beside which a Save or an Open is measured.
 struct DataFile {
   explicit DataFile(const std::string& argument) : engine(MakeEngine(CountOf(argument), 3)) {
@@ -120,7 +128,7 @@ const std::map<std::string, Operation>& Operations() {
          return [engine = MakeEngine(CountOf(count), 3)] { NeedTrue(engine->ValidTestVersions()); };
        }},
       {"add-sequence", AddSequence},
-      {"copy", [](const auto& count) { return [test = MakeTest(CountOf(count))] { Need(test->Copy()); }; }},
+      {"copy", Copy},
       {"save", Save},
       {"open", Open},
       {"load-lmf", LoadLmf},

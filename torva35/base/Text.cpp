@@ -143,6 +143,12 @@ bool AreAscii(const unsigned char* eight) {
   return (bytes & 0x8080808080808080) == 0;
 }
 
+bool IsAscii(std::string_view bytes) {
+  while (bytes.size() >= 8 && AreAscii(reinterpret_cast<const unsigned char*>(bytes.data())))
+    bytes.remove_prefix(8);
+  return std::none_of(bytes.begin(), bytes.end(), [](unsigned char byte) { return byte >= 0x80; });
+}
+
 // How many units the bytes, known to be UTF-8, become: one for each byte, but none for those that continue a
 // character, and two for one of four bytes.
 std::size_t UnitCount(std::string_view bytes) {
@@ -299,12 +305,17 @@ String FromUtf8(std::string_view bytes) {
 
 void AppendUtf8(String& text, std::string_view bytes) {
   const std::size_t start = text.size();
+  if (IsAscii(bytes)) {
+    text.resize(start + bytes.size());
+    std::copy(bytes.begin(), bytes.end(), text.begin() + static_cast<std::ptrdiff_t>(start));
+    return;
+  }
   text.resize(start + UnitCount(bytes));
   char16_t* out = text.data() + start;
   const auto* in = reinterpret_cast<const unsigned char*>(bytes.data());
   const unsigned char* const end = in + bytes.size();
   while (in != end) {
-    // Most texts are ASCII, which widens eight at a time.
+    // Most characters are ASCII, which widens eight at a time.
     for (; end - in >= 8 && AreAscii(in); in += 8, out += 8) std::copy(in, in + 8, out);
     if (in == end) return;
     if (*in < 0x80) {

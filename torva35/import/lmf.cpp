@@ -48,6 +48,34 @@ Long KindOf(const clsTORVATestStrings& answers) {
   return TORVATestQuestionTypeMultipleChoice;
 }
 
+// Finds answers by their text. The first one with exactly this text counts.
+class AnswerPositions {
+ public:
+  explicit AnswerPositions(const clsTORVATestStrings& answers) : answers_(answers), count_(answers.Count()) {
+    // A file may give a question as many as it can hold.
+    for (Long i = 1; count_ > kWalked && i <= count_; ++i) positions_.emplace(Need(Inside::Find(answers, i)), i);
+  }
+
+  /// From 1, or 0 when no answer has it.
+  Long Find(StringView text) const {
+    if (count_ > kWalked) {
+      const auto found = positions_.find(text);
+      return found == positions_.end() ? 0 : found->second;
+    }
+    for (Long i = 1; i <= count_; ++i) {
+      if (Need(Inside::Find(answers_, i)) == text) return i;
+    }
+    return 0;
+  }
+
+ private:
+  static constexpr Long kWalked = 16;
+
+  const clsTORVATestStrings& answers_;
+  const Long count_;
+  std::unordered_map<StringView, Long> positions_;
+};
+
 // The key is one text of answers, such as "(A,C)". One that is no answer of the question is dropped.
 void ReadAnswerKey(const clsLmfQuestion& from, const clsTORVATestStrings& answers, clsTORVATestCorrect& correct) {
   const Kept key(from.CorrectLabels());
@@ -55,13 +83,9 @@ void ReadAnswerKey(const clsLmfQuestion& from, const clsTORVATestStrings& answer
   const String text = Ask(key).Item(1);
   StringView labels = text;
   if (labels.starts_with(u'(') && labels.ends_with(u')')) labels = labels.substr(1, labels.size() - 2);
-  // The first answer with exactly this text counts. A file may give a question as many as it can hold.
-  std::unordered_map<StringView, Long> positions;
-  const Long count = answers.Count();
-  for (Long i = 1; i <= count; ++i) positions.emplace(Need(Inside::Find(answers, i)), i);
+  const AnswerPositions positions(answers);
   for (const String& label : Split(labels, u",")) {
-    const auto found = positions.find(label);
-    if (found != positions.end()) correct.Add(Narrow<Integer>(found->second));
+    if (const Long position = positions.Find(label)) correct.Add(Narrow<Integer>(position));
   }
 }
 
@@ -208,7 +232,7 @@ void ReadVersions(const clsLmfVersions& from, clsTORVATest& test) {
     const Long length = Ask(order).Count();
     for (Long i = 1; i <= length; ++i) {
       const String id = Decimal(Ask(order).Item(i));
-      if (Need(test.Questions()).Exists(id)) Need(version->Order()).Add(id);
+      if (Inside::Find(Need(test.Questions()), id) != nullptr) Need(version->Order()).Add(id);
     }
     Ask(versions).Add(version.Share());
   }

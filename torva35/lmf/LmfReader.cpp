@@ -63,6 +63,7 @@ bool Parse(std::string_view text, String& value) {
 }
 
 bool Parse(std::string_view text, clsLmfStrings& strings) {
+  strings.Reserve(static_cast<Long>(std::min<std::ptrdiff_t>(std::count(text.begin(), text.end(), '|'), 1000)));
   while (!text.empty()) {
     const std::size_t end = text.find('|');
     String entry;

@@ -20,9 +20,10 @@ class Scanner {
 
   bool Read(std::string_view line) {
     if (isFirst_) return isFirst_ = false, line == kDeclaration;
-    if (line.size() < 2 || line[0] != '<' || !AreCharacters(line)) return false;
+    if (line.size() < 2 || line[0] != '<' || !IsPrintable(line)) return false;
     if (line[1] == '/') return Close(line);
     rest_ = line.substr(1);
+    hasTags_ = rest_.find('<') != rest_.npos;
     hasReferences_ = rest_.find('&') != rest_.npos;
     decoded_.clear();
     decoded_.reserve(line.size());  // the values that refer to it stay where they are
@@ -45,17 +46,22 @@ class Scanner {
   bool IsAtCheck() const { return open_.size() == 1; }
 
  private:
-  static bool AreCharacters(std::string_view line) {
+  // Whether it has no control characters: XML reads a tab or a carriage return as something else.
+  bool IsPrintable(std::string_view line) {
     // A loop that compilers turn into one over many bytes at a time.
     unsigned char least = 0xFF, greatest = 0;
     for (const unsigned char byte : line) {
       least = std::min(least, byte);
       greatest = std::max(greatest, byte);
     }
-    // XML reads a tab or a carriage return as something else, and has no U+FFFE and U+FFFF.
-    if (least < 0x20) return false;
-    return greatest < 0x80 || (utf8::is_valid(line.begin(), line.end()) &&
-                               line.find("\xEF\xBF\xBE") == line.npos && line.find("\xEF\xBF\xBF") == line.npos);
+    isAscii_ = greatest < 0x80;
+    return least >= 0x20;
+  }
+
+  // XML has no U+FFFE and U+FFFF.
+  static bool AreCharacters(std::string_view value) {
+    return utf8::is_valid(value.begin(), value.end()) && value.find("\xEF\xBF\xBE") == value.npos &&
+           value.find("\xEF\xBF\xBF") == value.npos;
   }
 
   // Takes this many bytes off what is left of the line.
@@ -71,8 +77,9 @@ class Scanner {
     if (!rest_.starts_with("=\"")) return false;
     rest_.remove_prefix(2);
     std::string_view value = Next(rest_.find('"'));
-    if (rest_.empty() || value.find('<') != value.npos) return false;
+    if (rest_.empty() || (hasTags_ && value.find('<') != value.npos)) return false;
     rest_.remove_prefix(1);
+    if (!isAscii_ && !AreCharacters(value)) return false;
     if (hasReferences_ && !Decode(value)) return false;
     const auto isSame = [&](const Attribute& other) { return other.name == name; };
     if (std::any_of(element_.attributes.begin(), element_.attributes.end(), isSame)) return false;
@@ -128,6 +135,8 @@ class Scanner {
   std::vector<std::string> open_;  // the names from the root down
   // Of one line:
   std::string_view rest_;
+  bool isAscii_ = true;
+  bool hasTags_ = false;
   bool hasReferences_ = false;
   std::string decoded_;
   Element element_;

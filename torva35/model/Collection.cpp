@@ -1,8 +1,8 @@
 #include "torva35/model/Collection.h"
 
 #include <algorithm>
+#include <bit>
 #include <optional>
-#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -15,22 +15,64 @@ namespace {
 
 // A key and the slot of its item.
 struct Keyed {
+  bool Is(StringView other, std::size_t otherHash) const { return hash == otherHash && EqualNoCase(key, other); }
+
   String key;
   std::size_t hash;
   std::size_t slot;
 };
 
-struct KeyHash {
-  using is_transparent = void;
-  std::size_t operator()(const Keyed* keyed) const noexcept { return keyed->hash; }
-  std::size_t operator()(StringView key) const noexcept { return HashNoCase()(key); }
-};
+// Finds the keyed items of a longer list: a table of twice to four times as many places, in which an item stands
+// at the first one free from that of its hash on.
+class KeyIndex {
+ public:
+  explicit KeyIndex(std::size_t count) : places_(std::bit_ceil(2 * count + 2)) {}
 
-struct KeyEqual {
-  using is_transparent = void;
-  bool operator()(const Keyed* left, const Keyed* right) const { return left == right; }
-  bool operator()(StringView left, const Keyed* right) const { return EqualNoCase(left, right->key); }
-  bool operator()(const Keyed* left, StringView right) const { return EqualNoCase(left->key, right); }
+  Keyed* Find(StringView key, std::size_t hash) const {
+    std::size_t place = First(hash);
+    while (places_[place] != nullptr && !places_[place]->Is(key, hash)) place = Next(place);
+    return places_[place];
+  }
+
+  // Makes room for one more.
+  void Reserve() {
+    if (2 * count_ + 2 <= places_.size()) return;
+    KeyIndex larger(2 * count_);
+    for (Keyed* keyed : places_) {
+      if (keyed != nullptr) larger.Add(keyed);
+    }
+    *this = std::move(larger);
+  }
+
+  // There must be room.
+  void Add(Keyed* keyed) noexcept {
+    std::size_t place = First(keyed->hash);
+    while (places_[place] != nullptr) place = Next(place);
+    places_[place] = keyed;
+    ++count_;
+  }
+
+  void Remove(const Keyed* keyed) noexcept {
+    std::size_t free = First(keyed->hash);
+    while (places_[free] != keyed) free = Next(free);
+    // Those that stand further on because this place was taken move up.
+    for (std::size_t place = Next(free); places_[place] != nullptr; place = Next(place)) {
+      const std::size_t mask = places_.size() - 1;
+      const std::size_t way = (place - First(places_[place]->hash)) & mask;
+      if (way < ((place - free) & mask)) continue;
+      places_[free] = places_[place];
+      free = place;
+    }
+    places_[free] = nullptr;
+    --count_;
+  }
+
+ private:
+  std::size_t First(std::size_t hash) const { return hash & (places_.size() - 1); }
+  std::size_t Next(std::size_t place) const { return (place + 1) & (places_.size() - 1); }
+
+  std::vector<Keyed*> places_;  // a power of two
+  std::size_t count_ = 0;
 };
 
 struct Slot {
@@ -57,14 +99,13 @@ struct Collection::Items {
   const TaggedValue& At(std::size_t place) const { return slots_[SlotOf(place)].item; }
 
   const Keyed* FindKey(StringView key) const {
-    if (keyedCount_ == 0) return nullptr;
-    if (index_ != nullptr) {
-      const auto found = index_->find(key);
-      return found == index_->end() ? nullptr : *found;
-    }
-    for (std::size_t place = 0; place < Count(); ++place) {
+    return keyedCount_ == 0 ? nullptr : FindKey(key, HashNoCase()(key));
+  }
+  const Keyed* FindKey(StringView key, std::size_t hash) const {
+    if (index_ != nullptr) return index_->Find(key, hash);
+    for (std::size_t place = 0; keyedCount_ > 0 && place < Count(); ++place) {
       const Keyed* keyed = slots_[SlotOf(place)].keyed.get();
-      if (keyed != nullptr && EqualNoCase(keyed->key, key)) return keyed;
+      if (keyed != nullptr && keyed->Is(key, hash)) return keyed;
     }
     return nullptr;
   }
@@ -86,26 +127,44 @@ struct Collection::Items {
   }
 
   // All that can fail comes before the first change.
-  void Insert(std::size_t place, TaggedValue item, const String* key) {
-    std::unique_ptr<Keyed> keyed;
-    if (key != nullptr) keyed.reset(new Keyed{*key, HashNoCase()(*key), 0});
-    if (gapBegin_ == gapEnd_) Grow();
+  void Insert(std::size_t place, TaggedValue&& item, std::unique_ptr<Keyed> keyed) {
+    if (gapBegin_ == gapEnd_) {
+      const std::size_t size = slots_.size();
+      Grow(size == 0 ? 2 : size + std::max<std::size_t>(3, size / 2));
+    }
     if (index_ == nullptr && Count() >= kWalked && (keyed != nullptr || keyedCount_ > 0)) BuildIndex();
     if (keyed != nullptr) {
-      if (index_ != nullptr) index_->insert(keyed.get());
+      if (index_ != nullptr) {
+        index_->Reserve();
+        index_->Add(keyed.get());
+      }
       ++keyedCount_;
     }
     MoveGap(place);
     if (keyed != nullptr) keyed->slot = gapBegin_;
-    slots_[gapBegin_++] = {std::move(item), std::move(keyed)};
+    Slot& slot = slots_[gapBegin_++];
+    slot.item = std::move(item);
+    slot.keyed = std::move(keyed);
+  }
+
+  void Reserve(std::size_t added) {
+    if (gapEnd_ - gapBegin_ < added) Grow(Count() + added);
   }
 
   // Into an empty list, which is full then.
-  void CopyItems(const Items& from) {
+  void CopyItems(const Items& from, bool keyed) {
     const std::size_t count = from.Count();
     slots_.reserve(count);
-    for (std::size_t place = 0; place < count; ++place) slots_.emplace_back().item = from.At(place);
+    for (std::size_t place = 0; place < count; ++place) {
+      const Slot& slot = from.slots_[from.SlotOf(place)];
+      Slot& copy = slots_.emplace_back();
+      copy.item = slot.item;
+      if (!keyed || slot.keyed == nullptr) continue;
+      copy.keyed.reset(new Keyed{slot.keyed->key, slot.keyed->hash, place});
+      ++keyedCount_;
+    }
     gapBegin_ = gapEnd_ = count;
+    if (count > kWalked && keyedCount_ > 0) BuildIndex();
   }
 
   // What is taken out is handed over, so that it is destroyed when the list is whole again.
@@ -119,16 +178,16 @@ struct Collection::Items {
       slot = &slots_[gapEnd_++];
     }
     if (slot->keyed != nullptr) {
-      if (index_ != nullptr) index_->erase(slot->keyed.get());
+      if (index_ != nullptr) index_->Remove(slot->keyed.get());
       --keyedCount_;
     }
     return std::exchange(*slot, Slot());
   }
 
  private:
-  void Grow() {
+  void Grow(std::size_t newSize) {
     const std::size_t size = slots_.size();
-    std::vector<Slot> grown(size == 0 ? 2 : size + std::max<std::size_t>(3, size / 2));
+    std::vector<Slot> grown(newSize);
     std::move(slots_.begin(), slots_.begin() + static_cast<std::ptrdiff_t>(gapBegin_), grown.begin());
     const std::size_t gapEnd = grown.size() - (size - gapEnd_);
     for (std::size_t from = gapEnd_, to = gapEnd; from < size; ++from, ++to) Move(slots_[from], grown[to], to);
@@ -137,9 +196,9 @@ struct Collection::Items {
   }
 
   void BuildIndex() {
-    auto index = std::make_unique<std::unordered_set<Keyed*, KeyHash, KeyEqual>>();
+    auto index = std::make_unique<KeyIndex>(keyedCount_ + 1);
     for (const Slot& slot : slots_) {
-      if (slot.keyed != nullptr) index->insert(slot.keyed.get());
+      if (slot.keyed != nullptr) index->Add(slot.keyed.get());
     }
     index_ = std::move(index);
   }
@@ -161,7 +220,7 @@ struct Collection::Items {
   std::size_t gapBegin_ = 0;
   std::size_t gapEnd_ = 0;
   std::size_t keyedCount_ = 0;
-  std::unique_ptr<std::unordered_set<Keyed*, KeyHash, KeyEqual>> index_;  // null while walking does
+  std::unique_ptr<KeyIndex> index_;  // null while walking does
 };
 
 Collection::Collection() noexcept = default;
@@ -182,8 +241,23 @@ void Collection::Add(TaggedValue Item, const TaggedValue& Key, const TaggedValue
   std::size_t place = items_->Count();
   if (!Before.IsMissing()) place = NeedPlace(Before, at);
   if (!After.IsMissing()) place = NeedPlace(After, at) + 1;
-  if (key != nullptr && items_->FindKey(*key) != nullptr) Raise(kDuplicateKey, at);
-  items_->Insert(place, std::move(Item), key);
+  std::unique_ptr<Keyed> keyed;
+  if (key != nullptr) {
+    keyed.reset(new Keyed{*key, HashNoCase()(*key), 0});
+    if (items_->FindKey(*key, keyed->hash) != nullptr) Raise(kDuplicateKey, at);
+  }
+  items_->Insert(place, std::move(Item), std::move(keyed));
+}
+
+void Collection::Append(TaggedValue Item) {
+  if (items_ == nullptr) items_ = std::make_unique<Items>();
+  items_->Insert(items_->Count(), std::move(Item), nullptr);
+}
+
+void Collection::Reserve(std::int64_t added) {
+  if (added <= 0) return;
+  if (items_ == nullptr) items_ = std::make_unique<Items>();
+  items_->Reserve(static_cast<std::size_t>(added));
 }
 
 const TaggedValue& Collection::Item(const TaggedValue& Index, CallSite at) const {
@@ -214,11 +288,11 @@ const TaggedValue* Collection::FindKey(StringView key) const {
   return keyed == nullptr ? nullptr : &items_->At(items_->PlaceOf(keyed->slot));
 }
 
-Collection Collection::CopyUnkeyed() const {
+Collection Collection::Copy(bool keyed) const {
   Collection copy;
   if (items_ == nullptr) return copy;
   copy.items_ = std::make_unique<Items>();
-  copy.items_->CopyItems(*items_);
+  copy.items_->CopyItems(*items_, keyed);
   return copy;
 }
 

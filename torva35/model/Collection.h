@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
 
 #include "torva35/base/CallSite.h"
@@ -36,6 +37,10 @@ class TORVA35_API Collection {
   /// Inserts the item before Before, after After, or at the end. Missing stands for no key and no place.
   void Add(TaggedValue Item, const TaggedValue& Key = Missing, const TaggedValue& Before = Missing,
            const TaggedValue& After = Missing, CallSite at = CallSite::Current());
+  /// Adds the item at the end, without a key.
+  void Append(TaggedValue Item);
+  /// Makes room for so many more items, so that adding them takes no memory but their own.
+  void Reserve(std::int64_t added);
   /// The item at the index. The reference is good until the list changes.
   const TaggedValue& Item(const TaggedValue& Index, CallSite at = CallSite::Current()) const;
   /// Takes the item out; those after it move up one place.
@@ -48,8 +53,8 @@ class TORVA35_API Collection {
   /// The position of the item, from 1, or 0 where `Item` would raise.
   Long PositionOf(const TaggedValue& Index) const;
 
-  /// The same items in the same order, without keys.
-  Collection CopyUnkeyed() const;
+  /// The same items in the same order, with their keys or without.
+  Collection Copy(bool keyed) const;
 
  private:
   struct Items;

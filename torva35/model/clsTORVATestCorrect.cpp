@@ -73,8 +73,9 @@ Ref<clsTORVATestCorrect> clsTORVATestCorrect::Copy() const {
 Ref<clsTORVATestCorrect> clsTORVATestCorrect::CopyTo(Ref<clsTORVATestCorrect> copy) const {
   return Reported(kCopy, Ref<clsTORVATestCorrect>(), [&](Ref<clsTORVATestCorrect>& result) {
     if (copy == nullptr) copy = New<clsTORVATestCorrect>();
-    const Integer count = Narrow<Integer>(items_.Count());
-    for (Long i = 1; i <= count; ++i) copy->items_.Add(At(i), Decimal(At(i)));
+    Narrow<Integer>(items_.Count());
+    // Each number is its own key.
+    copy->items_ = items_.Copy(true);
     result = std::move(copy);
   });
 }

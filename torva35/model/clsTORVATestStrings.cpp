@@ -1,6 +1,7 @@
 #include "torva35/model/clsTORVATestStrings.h"
 
 #include <algorithm>
+#include <new>
 #include <utility>
 #include <vector>
 
@@ -41,9 +42,7 @@ Long clsTORVATestStrings::Count() const {
 bool clsTORVATestStrings::Add(String Item, const TaggedValue& Key, const TaggedValue& Before,
                               const TaggedValue& After) {
   return Reported(kAdd, false, [&](bool& result) {
-    Item = Cut(std::move(Item), kAddedUnits);
-    holdsUncopyable_ |= !IsCopyable(Item);
-    Own().Add(std::move(Item), Key, Before, After);
+    Own().Add(Stored(std::move(Item)), Key, Before, After);
     result = true;
   });
 }
@@ -51,7 +50,15 @@ bool clsTORVATestStrings::Add(String Item, const TaggedValue& Key, const TaggedV
 bool clsTORVATestStrings::AddArray(const Array<String>& Value) {
   return Reported(kAddArray, false, [&](bool& result) {
     const Long last = Value.UBound();
-    for (std::int64_t i = Value.LBound(); i <= last; ++i) Add(Value[static_cast<Long>(i)]);
+    std::int64_t i = Value.LBound();
+    try {
+      // As by `Add`, without a boundary for each.
+      Collection& items = Own();
+      items.Reserve(last - i + 1);
+      for (; i <= last; ++i) items.Append(Stored(Value[static_cast<Long>(i)]));
+    } catch (const std::bad_alloc&) {
+      for (; i <= last; ++i) Add(Value[static_cast<Long>(i)]);
+    }
     result = true;
   });
 }
@@ -139,7 +146,7 @@ void clsTORVATestStrings::AddCopies(const clsTORVATestStrings& from) {
     shared_ = std::make_unique<SharedSelection>(*from.shared_);
     shared_->isKeyed = false;
   } else {
-    items_ = from.items_.CopyUnkeyed();
+    items_ = from.items_.Copy(false);
   }
 }
 
@@ -151,6 +158,13 @@ const String* clsTORVATestStrings::Find(const TaggedValue& Index) const {
 
 Long clsTORVATestStrings::Size() const {
   return shared_ != nullptr ? static_cast<Long>(shared_->places.size()) : items_.Count();
+}
+
+// What is stored of an added text, which is noted for a later copy.
+TaggedValue clsTORVATestStrings::Stored(String text) {
+  if (text.size() > kAddedUnits) text = text.substr(0, kAddedUnits);
+  holdsUncopyable_ |= !IsCopyable(text);
+  return text;
 }
 
 // The items, to be changed.

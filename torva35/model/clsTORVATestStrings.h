@@ -68,6 +68,7 @@ class TORVA35_API clsTORVATestStrings : public Object {
 
   const String* Find(const TaggedValue& Index) const;
   Long Size() const;
+  TaggedValue Stored(String text);
   Collection& Own();
   void Take(std::unique_ptr<SharedSelection> selection);
   void AddCopies(const clsTORVATestStrings& from);
