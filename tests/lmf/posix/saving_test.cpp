@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <grp.h>
 #include <gtest/gtest.h>
+#include <sched.h>
 #include <signal.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -170,7 +171,8 @@ TEST(LmfFile, ASaveKeepsAccessRightsAndFollowsALink) {
 
 // Mode, and whether the group is still that of the old file, after a save by another user of these groups, who may
 // write in the folder and not list it.
-std::string SavedBySomebodyElse(unsigned mode, std::vector<gid_t> groups) {
+// contained: that one is root of a container which knows neither owner nor group of the file.
+std::string SavedBySomebodyElse(unsigned mode, std::vector<gid_t> groups, bool contained = false) {
   constexpr uid_t kOwner = 12345, kSaver = 12346;
   constexpr gid_t kGroup = 23456;
   const Folder folder;
@@ -180,8 +182,14 @@ std::string SavedBySomebodyElse(unsigned mode, std::vector<gid_t> groups) {
   fs::permissions(path, fs::perms(mode));
   fs::permissions(folder.path, fs::perms(0733));
   const std::string end = InChild([&]() -> std::string {
-    if (setgroups(groups.size(), groups.data()) != 0 || setgid(kSaver) != 0 || setuid(kSaver) != 0)
+    if (contained) {
+      if (unshare(CLONE_NEWUSER) != 0) return "no container";
+      Write("/proc/self/uid_map", "0 0 1");
+      Write("/proc/self/setgroups", "deny");
+      Write("/proc/self/gid_map", "0 0 1");
+    } else if (setgroups(groups.size(), groups.data()) != 0 || setgid(kSaver) != 0 || setuid(kSaver) != 0) {
       return "no child";
+    }
     return Save(clsLmf(), path) ? "saved" : "refused";
   });
   struct stat saved {};
@@ -198,7 +206,10 @@ TEST(LmfFile, ASaveBySomebodyElseGivesNobodyMore) {
   EXPECT_EQ(SavedBySomebodyElse(06670, {23456}), "saved 2670 group kept");
   EXPECT_EQ(SavedBySomebodyElse(0666, {}), "saved 606");
   EXPECT_EQ(SavedBySomebodyElse(06676, {}), "saved 606");
+  EXPECT_EQ(SavedBySomebodyElse(0626, {}), "saved 602");
   EXPECT_EQ(SavedBySomebodyElse(0644, {}), "refused 644 group kept old");
+  const std::string contained = SavedBySomebodyElse(0666, {}, true);
+  EXPECT_TRUE(contained == "saved 606" || contained.starts_with("no container")) << contained;
 }
 
 }  // namespace

@@ -151,15 +151,18 @@ bool FileReplacement::Work::Begin(const std::string& path) {
   return Create(old.st_mode & 0600) && TakeOver(old.st_uid, old.st_gid, old.st_mode & 07777);
 }
 
-// Not everybody may give a file away: then it stays the saver's, and where not even the group can be kept, another
-// group does not get what the old one had.
+// Not everybody may give a file away: then it stays the saver's. Where not even the group can be kept, another
+// group does not get what the old one had, and the old one, now among all others, no more than it had.
 bool FileReplacement::Work::TakeOver(unsigned owner, unsigned group, unsigned mode) {
+  // EINVAL: in a container that does not know the owner or the group.
+  const auto mayNot = [] { return errno == EPERM || errno == EINVAL; };
   if (fchown(file_, owner, group) != 0) {
-    if (errno != EPERM) return false;
+    if (!mayNot()) return false;
     mode &= ~static_cast<unsigned>(S_ISUID);
     if (fchown(file_, static_cast<uid_t>(-1), group) != 0) {
-      if (errno != EPERM) return false;
-      mode &= ~static_cast<unsigned>(S_IRWXG | S_ISGID);
+      if (!mayNot()) return false;
+      const unsigned groups = (mode & S_IRWXG) >> 3;
+      mode &= ~static_cast<unsigned>(S_IRWXG | S_ISGID | S_IRWXO) | groups;
     }
   }
   mode_ = mode;
