@@ -1,6 +1,6 @@
 # What `cmake --install` puts in place: headers and libraries with a CMake package and pkg-config files, the program with
 # its manual page, and the documentation; and what `cpack` makes Debian packages of. The component Runtime is what a
-# built host needs, RuntimeC what one of the C interface does, Development what building them does, Tool the program.
+# built host needs, RuntimeC what one of the C interface does, Development what building them does, Tool the program, Python its package.
 include(CMakePackageConfigHelpers)
 
 set(torva35_package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/TORVA35)
@@ -59,6 +59,7 @@ if(TARGET torva35_c)
 endif()
 set(torva35_docs ${PROJECT_SOURCE_DIR}/docs)
 install(FILES ${torva35_docs}/guide.md ${torva35_docs}/guide.cpp ${torva35_docs}/errors.md ${torva35_docs}/lmf-format.md
+              ${torva35_docs}/c.md
         DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/doc/${torva35_package_Development} COMPONENT Development)
 if(TARGET torva35_tool)
   list(APPEND torva35_components Tool)
@@ -79,6 +80,18 @@ if(TARGET torva35_tool)
   install(FILES ${torva35_docs}/grading.md ${torva35_docs}/grading-scans.md ${torva35_docs}/findings.md
                 ${torva35_docs}/files.md ${torva35_docs}/sheet.schema.json
           DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/doc/${torva35_package_Tool} COMPONENT Tool)
+endif()
+if(TARGET torva35_c AND TARGET torva35_tool AND UNIX)
+  list(APPEND torva35_components Python)
+  set(torva35_package_Python python3-torva35)
+  set(torva35_python_dir lib/python3/dist-packages)
+  configure_file(${CMAKE_CURRENT_LIST_DIR}/python/METADATA.in python/METADATA @ONLY)
+  install(DIRECTORY ${PROJECT_SOURCE_DIR}/bindings/python/torva35 DESTINATION ${torva35_python_dir} COMPONENT Python
+          FILES_MATCHING PATTERN "*.py" PATTERN py.typed PATTERN __pycache__ EXCLUDE)
+  install(FILES ${PROJECT_BINARY_DIR}/python/METADATA
+          DESTINATION ${torva35_python_dir}/torva35-${PROJECT_VERSION}.dist-info COMPONENT Python)
+  install(FILES ${torva35_docs}/python.md DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/doc/${torva35_package_Python}
+          COMPONENT Python)
 endif()
 
 set(TORVA35_CONTACT "The developers of TORVA35 <torva35@example.org>" CACHE STRING
@@ -126,6 +139,20 @@ The program torva35 makes a bubble sheet of a printed multiple-choice test
 and its versions: a page to print for the students, the key of each version,
 files for other programs and for a sheet reader, and a finding for whatever
 would make marks count wrong.")
+
+if(torva35_package_Python)
+  set(CPACK_DEBIAN_PYTHON_PACKAGE_SECTION python)
+  set(CPACK_DEBIAN_PYTHON_PACKAGE_ARCHITECTURE all)
+  set(CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS
+      "python3 (>= 3.9), ${torva35_package_RuntimeC} (= ${torva35_debian_version}), torva35 (= ${torva35_debian_version})")
+  set(CPACK_DEBIAN_PYTHON_PACKAGE_SUGGESTS "python3-pandas, python3-distributed")
+  set(CPACK_DEBIAN_PYTHON_PACKAGE_CONTROL_EXTRA "${CMAKE_CURRENT_LIST_DIR}/python/postinst;${CMAKE_CURRENT_LIST_DIR}/python/prerm")
+  set(CPACK_DEBIAN_PYTHON_PACKAGE_CONTROL_STRICT_PERMISSION ON)
+  set(CPACK_COMPONENT_PYTHON_DESCRIPTION "bubble sheets of printed tests: Python package
+This package reads printed multiple-choice tests and their versions in Python,
+makes bubble sheets of them, and gives keys and findings. It converts whole
+folders, with several processes.")
+endif()
 
 # What Debian wants beside the files.
 if(CMAKE_INSTALL_PREFIX STREQUAL /usr)

@@ -22,7 +22,9 @@ def test_a_sheet_of_three_versions(tmp_path):
     assert exam.rows == list(range(1, 11))
     assert (exam.keys["A"][4], exam.keys["B"][4], exam.keys["A"][7]) == ("H", "F", "B D")
     assert {finding.severity for finding in exam.findings} == {"warning", "note"}
-    assert exam.findings[0].file == 0 and exam.findings[0].line > 1 and "superscript" in str(exam.findings[0])
+    assert (exam.severity, exam.title, exam.points["B"][4]) == ("warning", "Water and Weather, Unit 3", 2)
+    assert exam.findings[0].file == 0 and exam.findings[0].line > 1
+    assert str(exam.findings[0]).startswith(f"{FILES[0]}:{exam.findings[0].line}:") and "superscript" in str(exam.findings[0])
     exam.sheet(title="Unit 33", language="de", id_digits=5).save_html(tmp_path / "sheet.html")
     page = (tmp_path / "sheet.html").read_text(encoding="utf-8")
     assert "Unit 33" in page and 'lang="de"' in page
@@ -35,13 +37,19 @@ def test_a_sheet_of_three_versions(tmp_path):
     assert torva35.load(tmp_path / "exam.lmf").keys == exam.keys
 
 
-def test_paths_bytes_and_open_files_are_the_same():
+def test_paths_bytes_and_open_files_are_the_same(tmp_path):
     keys = torva35.load(*FILES[:2]).keys
     assert torva35.load(*map(str, FILES[:2])).keys == keys
     assert torva35.load(*(file.read_bytes() for file in FILES[:2])).keys == keys
     with FILES[0].open("rb") as first, FILES[1].open(encoding="utf-8") as second:
         assert torva35.load(first, second).keys == keys
     assert torva35.load(io.BytesIO(FILES[0].read_bytes())).versions == ["A"]
+    # Decoded text whose declaration names another encoding, and a name that is no text.
+    text = FILES[0].read_text(encoding="utf-8").replace('encoding="UTF-8"', 'encoding="windows-1252"', 1)
+    assert torva35.load(io.StringIO(text)).json()["files"][0]["questions"] == torva35.load(FILES[0]).json()["files"][0]["questions"]
+    odd = os.fsdecode(bytes(tmp_path) + b"/\xff.xml")
+    Path(odd).write_bytes(FILES[0].read_bytes())
+    assert torva35.load(odd).keys == torva35.load(FILES[0]).keys
 
 
 def test_errors_are_exceptions(tmp_path):
@@ -51,14 +59,22 @@ def test_errors_are_exceptions(tmp_path):
     with pytest.raises(torva35.Failed) as failed:
         torva35.load(FILES[0], FILES[0].read_bytes().replace(b"question-id=", b"question-id='x' x="))
     assert failed.value.findings
-    for wrong in (lambda: torva35.load(), lambda: torva35.load(FILES[0], max_questions=-1)):
-        with pytest.raises(ValueError):
-            wrong()
     exam = torva35.load(FILES[0])
-    with pytest.raises(ValueError):
-        exam.sheet(id_digits=99)
-    with pytest.raises(OSError):
+    wrong = (
+        lambda: torva35.load(),
+        lambda: torva35.load(FILES[0], max_questions=-1),
+        lambda: torva35.load(FILES[0], objectives=16),
+        lambda: torva35.load("a\0b"),
+        lambda: exam.sheet(id_digits=99),
+        lambda: exam.sheet(version=2),
+    )
+    for call in wrong:
+        with pytest.raises(ValueError) as error:
+            call()
+        assert isinstance(error.value, torva35.WrongCall) and error.value.number == 1 and str(error.value)
+    with pytest.raises(OSError) as unwritten:
         exam.save_lmf(tmp_path / "none" / "x.lmf")
+    assert isinstance(unwritten.value, torva35.FileError) and "none" in str(unwritten.value)
 
 
 def test_callbacks_answer_and_cancel():

@@ -14,6 +14,8 @@ def main() -> int:
     if program is None:
         print("the program torva35 is not installed", file=sys.stderr)
         return 1
+    if sys.platform != "win32":
+        os.execv(program, [program, *sys.argv[1:]])  # with its own signals and exit status
     return subprocess.run([program, *sys.argv[1:]]).returncode
 
 

@@ -3,7 +3,6 @@
 from __future__ import annotations
 
 import ctypes
-import ctypes.util
 import os
 import sys
 from ctypes import CFUNCTYPE, POINTER, Structure, c_char_p, c_double, c_int, c_int32, c_int64, c_size_t, c_void_p
@@ -21,6 +20,12 @@ class Text(Structure):
 
     def __str__(self) -> str:
         return self.get().decode("utf-8", "replace")
+
+
+def text_of(text: str) -> Text:
+    """A text of ours, which a structure that it is put into keeps alive."""
+    data = text.encode("utf-8", "replace")
+    return Text(ctypes.cast(c_char_p(data), c_void_p), len(data))
 
 
 class Finding(Structure):
@@ -120,10 +125,10 @@ _FUNCTIONS = {
 
 
 def _open() -> ctypes.CDLL:
-    given = os.environ.get("TORVA35_LIBRARY")
+    # Of the number of this interface, and no other: beside this file in a wheel, else where the system has it.
     name = "torva35_c.dll" if sys.platform == "win32" else "libtorva35_c.so.0.1"
     beside = Path(__file__).with_name(name)
-    library = ctypes.CDLL(given or (str(beside) if beside.exists() else ctypes.util.find_library("torva35_c") or name))
+    library = ctypes.CDLL(os.environ.get("TORVA35_LIBRARY") or (str(beside) if beside.exists() else name))
     for function, (result, arguments) in _FUNCTIONS.items():
         getattr(library, function).restype = result
         getattr(library, function).argtypes = arguments
