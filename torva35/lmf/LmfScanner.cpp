@@ -162,7 +162,8 @@ bool ScanLmf(InputFile& file, std::int64_t size, const ReadListener& listener, c
     for (std::size_t end; (end = left.find('\n')) != left.npos; left.remove_prefix(end + 1)) {
       if (!scanner.Read(left.substr(0, end))) return false;
     }
-    kept = left.copy(buffer.data(), left.size());
+    kept = left.size();
+    std::char_traits<char>::move(buffer.data(), left.data(), kept);  // it may overlap its new place
   }
   return kept == 0 && scanner.IsAtCheck() && take({"check", {}, {}}, 1);
 }
