@@ -1,6 +1,8 @@
 #pragma once
 
+#include <string>
 #include <string_view>
+#include <vector>
 
 #include "tests/TempFile.h"
 #include "torva35/base/Text.h"
@@ -29,6 +31,12 @@ inline bool KnowsEncodings() {
 inline bool Load(DOMDocument& document, std::string_view bytes) {
   const TempFile file(bytes);
   return document.load(file.Path());
+}
+
+// Texts, one for each argument.
+template <class... Text>
+std::vector<std::string> Texts(const Text&... texts) {
+  return {texts...};
 }
 
 // The tree below a node in a form that a test can compare: name[attributes](children), texts in quotes.
