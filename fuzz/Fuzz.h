@@ -116,14 +116,13 @@ class InputFile {
 
 #endif
 
-/// A name for a file that is written: in memory where the system has such a folder.
+/// A name for a file that is written: in memory where the system has such a folder, and lets one write there.
 inline String OutputPath() {
   static const struct Name {
     Name() {
       const std::filesystem::path shared("/dev/shm");
-      std::error_code error;
-      const auto folder =
-          std::filesystem::is_directory(shared, error) ? shared : std::filesystem::temp_directory_path();
+      const bool isOpen = access(shared.string().c_str(), W_OK) == 0;
+      const auto folder = isOpen ? shared : std::filesystem::temp_directory_path();
       path = folder / ("torva35-fuzz-" + std::to_string(getpid()));
     }
     ~Name() {

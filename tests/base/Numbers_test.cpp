@@ -3,10 +3,13 @@
 #include <gtest/gtest.h>
 
 #include <bit>
+#include <cfenv>
 #include <charconv>
 #include <cmath>
 #include <limits>
 #include <random>
+
+#include "torva35/base/Arithmetic.h"
 
 namespace TORVA35 {
 namespace {
@@ -18,40 +21,23 @@ std::string Shortest(Floating value, Layout layout) {
   return text;
 }
 
-template <class Floating>
-std::optional<Floating> Read(const std::string& text) {
-  if constexpr (sizeof(Floating) == sizeof(Double)) {
-    return DoubleOf(text);
-  } else {
-    return SingleOf(text);
-  }
-}
-
 TEST(Numbers, InEachLayout) {
-  struct Row {
-    Double value;
-    const char *fixed, *scientific, *shorter;
+  const auto all = [](Double value) {
+    return Shortest(value, Layout::kFixed) + " " + Shortest(value, Layout::kScientific) + " " +
+           Shortest(value, Layout::kShorter);
   };
-  for (const Row& row :
-       {Row{0.0, "0", "0e+00", "0"}, Row{-0.0, "-0", "-0e+00", "-0"}, Row{1500, "1500", "1.5e+03", "1500"},
-        Row{1e5, "100000", "1e+05", "1e+05"}, Row{-0.001, "-0.001", "-1e-03", "-0.001"},
-        Row{0.0001, "0.0001", "1e-04", "1e-04"}, Row{5e-324, nullptr, "5e-324", "5e-324"},
-        Row{0x1p60, "1152921504606846976", "1.152921504606847e+18", "1152921504606846976"}}) {
-    if (row.fixed != nullptr) {
-      EXPECT_EQ(Shortest(row.value, Layout::kFixed), row.fixed);
-    }
-    EXPECT_EQ(Shortest(row.value, Layout::kScientific), row.scientific);
-    EXPECT_EQ(Shortest(row.value, Layout::kShorter), row.shorter);
-  }
+  EXPECT_EQ(all(-0.0), "-0 -0e+00 -0");
+  EXPECT_EQ(all(1e5), "100000 1e+05 1e+05");
+  EXPECT_EQ(all(-0.001), "-0.001 -1e-03 -0.001");
+  EXPECT_EQ(all(0x1p60), "1152921504606846976 1.152921504606847e+18 1152921504606846976");
+  EXPECT_EQ(all(-std::numeric_limits<Double>::infinity()), "-inf -inf -inf");
+  EXPECT_EQ(all(std::numeric_limits<Double>::quiet_NaN()), "nan nan nan");
   EXPECT_EQ(Shortest(Single{0.1f}, Layout::kShorter), "0.1");
-  EXPECT_EQ(Shortest(-std::numeric_limits<Double>::infinity(), Layout::kFixed), "-inf");
-  EXPECT_EQ(Shortest(std::numeric_limits<Double>::quiet_NaN(), Layout::kShorter), "nan");
 }
 
-TEST(Numbers, TextsThatAreNone) {
+TEST(Numbers, TextsAtTheLimitsAndTextsThatAreNone) {
   for (const char* text : {"", " ", "+1", "1 ", " 1", "1e", "e5", ".", "0x10", "1,5", "--1", "1e5x"}) {
-    EXPECT_FALSE(DoubleOf(text)) << text;
-    EXPECT_FALSE(SingleOf(text)) << text;
+    EXPECT_FALSE(DoubleOf(text) || SingleOf(text)) << text;
   }
   EXPECT_EQ(DoubleOf("1e999"), std::numeric_limits<Double>::infinity());
   EXPECT_EQ(DoubleOf("-1e-999"), 0);
@@ -62,9 +48,9 @@ TEST(Numbers, TextsThatAreNone) {
 
 // Reads back what it writes, and writes what the standard library does, where it does.
 template <class Floating, class Bits>
-void Compare(int count) {
+void Compare(std::optional<Floating> (*read)(std::string_view)) {
   std::mt19937_64 random(35);
-  for (int i = 0; i < count; ++i) {
+  for (int i = 0; i < 100'000; ++i) {
     auto value = std::bit_cast<Floating>(static_cast<Bits>(random()));
     if (i % 4 == 1) value = static_cast<Floating>(static_cast<std::int64_t>(random() >> random() % 64));
     if (i % 4 == 2) value = static_cast<Floating>(random() % 1000'000) / Floating(1000);
@@ -72,25 +58,42 @@ void Compare(int count) {
     if (!std::isfinite(value)) continue;
     for (const Layout layout : {Layout::kFixed, Layout::kScientific, Layout::kShorter}) {
       const std::string text = Shortest(value, layout);
-      ASSERT_EQ(Read<Floating>(text), value) << text;
+      ASSERT_EQ(read(text), value) << text;
 #if defined(__cpp_lib_to_chars)
-      char standard[512];
-      const auto end =
-          layout == Layout::kShorter ? std::to_chars(standard, standard + sizeof standard, value)
-          : layout == Layout::kFixed
-              ? std::to_chars(standard, standard + sizeof standard, value, std::chars_format::fixed)
-              : std::to_chars(standard, standard + sizeof standard, value, std::chars_format::scientific);
-      ASSERT_EQ(text, std::string(standard, end.ptr));
+      char standard[512], *end = standard + sizeof standard;
+      end = layout == Layout::kShorter ? std::to_chars(standard, end, value).ptr
+            : layout == Layout::kFixed ? std::to_chars(standard, end, value, std::chars_format::fixed).ptr
+                                       : std::to_chars(standard, end, value, std::chars_format::scientific).ptr;
+      ASSERT_EQ(text, std::string(standard, end));
 #endif
     }
   }
 }
 
-TEST(Numbers, RandomDoubles) {
-  Compare<Double, std::uint64_t>(500'000);
+TEST(Numbers, AtRandom) {
+  Compare<Double, std::uint64_t>(DoubleOf);
+  Compare<Single, std::uint32_t>(SingleOf);
 }
-TEST(Numbers, RandomSingles) {
-  Compare<Single, std::uint32_t>(500'000);
+
+TEST(Arithmetic, RoundsToTheNearestWholeNumberInEveryMode) {
+  constexpr Double kInfinity = std::numeric_limits<Double>::infinity();
+  for (const int mode : {FE_TONEAREST, FE_UPWARD, FE_DOWNWARD, FE_TOWARDZERO}) {
+    std::fesetround(mode);
+    for (const auto& [value, whole] : {std::pair(0.5, 0.0),
+                                       {1.5, 2},
+                                       {2.5, 2},
+                                       {0.49999999999999994, 0},
+                                       {1.2, 1},
+                                       {1.8, 2},
+                                       {-0.5, 0},
+                                       {-1.5, -2},
+                                       {-2.5, -2},
+                                       {4503599627370495.5, 4503599627370496},
+                                       {kInfinity, kInfinity}}) {
+      EXPECT_EQ(NearestWhole(value), whole) << value << " in mode " << mode;
+    }
+  }
+  std::fesetround(FE_TONEAREST);
 }
 
 }  // namespace

@@ -40,6 +40,14 @@ FAULTS inline void EndlessRecursion() {
   static_cast<void>(result);
 }
 
+FAULTS inline void IllegalInstruction() {
+#if defined(__x86_64__)
+  asm volatile("ud2");
+#else
+  asm volatile(".word 0");
+#endif
+}
+
 #if !defined(_WIN32)
 FAULTS inline void ReadBehindFileEnd() {
   char name[] = "/tmp/emptyXXXXXX";
@@ -48,14 +56,6 @@ FAULTS inline void ReadBehindFileEnd() {
   *static_cast<volatile char*>(mmap(nullptr, 4096, PROT_READ, MAP_SHARED, file, 0));
 }
 #endif
-
-FAULTS inline void IllegalInstruction() {
-#if defined(__x86_64__)
-  asm volatile("ud2");
-#else
-  asm volatile(".word 0");
-#endif
-}
 
 #if defined(__x86_64__)
 FAULTS inline void FloatDivision() {
@@ -68,11 +68,9 @@ FAULTS inline void FloatDivision() {
 FAULTS inline void PrivilegedInstruction() {
   asm volatile("hlt");
 }
-
 FAULTS inline void Breakpoint() {
   asm volatile("int3");
 }
-
 FAULTS inline void SingleStep() {
   __writeeflags(__readeflags() | 0x100);
   asm volatile("nop\nnop");

@@ -1,16 +1,20 @@
 #pragma once
 
 #include <signal.h>
-#include <cstring>
+
+#include <cstdio>
+#include <functional>
 #include <string>
 
-#if !defined(_WIN32)
+#if defined(_WIN32)
+#include <windows.h>
+#else
 #include <sys/wait.h>
 #include <unistd.h>
 #endif
 
 #include "torva35/base/Error.h"
-#include "torva35/base/Text.h"
+#include "torva35/platform/FaultGuard.h"
 
 #if !defined(__has_feature)
 #define __has_feature(feature) 0
@@ -32,6 +36,9 @@ constexpr bool kSanitized = kAddressSanitizer || kThreadSanitizer;
 
 #if defined(_WIN32)
 
+/// Whether the tests for Windows run under Wine, which does not do all that Windows does.
+inline const bool kWine = GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version") != nullptr;
+
 /// Runs `body` and gives the text that it returns. No child is needed: no handler is put up for the process, and
 /// what ends it is tested in another way.
 template <class Body>
@@ -40,6 +47,8 @@ std::string InChild(Body body) {
 }
 
 #else
+
+constexpr bool kWine = false;
 
 /// How a process ends that nobody saves from a signal. A sanitizer's handler, which is the one that was there
 /// before the library's, reports the fault and leaves.
@@ -57,8 +66,7 @@ std::string InChild(Body body) {
   if (child == 0) {
     alarm(60);  // a fault that comes back for ever
     const std::string text = body();
-    if (write(pipeEnds[1], text.data(), text.size()) < 0) _exit(2);
-    _exit(0);
+    _exit(write(pipeEnds[1], text.data(), text.size()) < 0 ? 2 : 0);
   }
   close(pipeEnds[1]);
   std::string text;
@@ -75,5 +83,37 @@ std::string InChild(Body body) {
 }
 
 #endif
+
+[[noreturn]] inline Long Throwing(ExceptionPointers& pointers) {
+  throw Error(static_cast<Long>(pointers.Record->Code), u"");
+}
+
+inline std::string Hex(Long code) {
+  char text[16];
+  snprintf(text, sizeof text, "%08X", static_cast<unsigned>(code));
+  return text;
+}
+
+/// What comes out of a member that runs the body: the code of the fault, or "-" when it comes to its end.
+template <class Body>
+std::string Member(Body body) {
+  try {
+    RunGuarded(body);
+    return "-";
+  } catch (const Error& error) {
+    return Hex(error.Number());
+  }
+}
+
+/// What the body gives in a child process whose main thread is started up, after what `before` does.
+template <class Body>
+std::string InGuardedChild(
+    Body body, const std::function<void()>& before = [] {}) {
+  return InChild([&] {
+    before();
+    SetUnhandledExceptionFilter(Throwing);
+    return std::string(body());
+  });
+}
 
 }  // namespace TORVA35

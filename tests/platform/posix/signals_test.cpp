@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "tests/platform/Faults.h"
-#include "tests/platform/Member.h"
+#include "tests/platform/InChild.h"
 
 namespace TORVA35 {
 namespace {
@@ -66,22 +66,25 @@ void FaultOutside() {
 }
 
 TEST(FaultGuard, FaultOutsideAMemberEndsTheProcess) {
-  const auto after = [](void (*cause)()) {
-    return InGuardedChild([=] {
-      Member(faults::NullRead);
-      cause();
-      return "lived on";
-    });
-  };
-  EXPECT_EQ(after(faults::NullRead), Ended(SIGSEGV));
-  EXPECT_EQ(after(faults::EndlessRecursion), Ended(SIGSEGV));
-  EXPECT_EQ(after(faults::ReadBehindFileEnd), Ended(SIGBUS));
-  EXPECT_EQ(after(faults::IllegalInstruction), Ended(SIGILL));
+  const std::pair<int, void (*)()> rows[] = {
+    {SIGSEGV, faults::NullRead},
+    {SIGSEGV, faults::EndlessRecursion},
+    {SIGSEGV, [] { kill(getpid(), SIGSEGV); }},
+    {SIGBUS, faults::ReadBehindFileEnd},
 #if defined(__x86_64__)
-  EXPECT_EQ(after(faults::IntegerDivision), Ended(SIGFPE));
-  EXPECT_EQ(after(faults::Breakpoint), Ended(SIGTRAP));
+    {SIGFPE, faults::IntegerDivision},
+    {SIGTRAP, faults::Breakpoint},
 #endif
-  EXPECT_EQ(after([] { kill(getpid(), SIGSEGV); }), Ended(SIGSEGV));
+    {SIGILL, faults::IllegalInstruction}
+  };
+  for (const auto& [signal, cause] : rows) {
+    EXPECT_EQ(InGuardedChild([&] {
+                Member(faults::NullRead);
+                cause();
+                return "lived on";
+              }),
+              Ended(signal));
+  }
 }
 
 TEST(FaultGuard, HostHandlerRunsAsItWouldHave) {
@@ -141,12 +144,10 @@ FAULTS void FaultAgain(int, siginfo_t*, void*) {
 }
 
 TEST(FaultGuard, HostThatIgnoresOrKeepsFaultingEnds) {
-  const auto fault = [] {
-    faults::NullRead();
-    return "lived on";
-  };
-  EXPECT_EQ(InGuardedChild(fault, [] { ::signal(SIGSEGV, SIG_IGN); }), "ended by SIGSEGV");
-  EXPECT_EQ(InGuardedChild(fault, [] { PutUpHandler(FaultAgain, SA_NODEFER); }), "ended by SIGSEGV");
+  for (void (*const before)() :
+       {+[] { PutUpHandler(FaultAgain, SA_NODEFER); }, +[] { ::signal(SIGSEGV, SIG_IGN); }}) {
+    EXPECT_EQ(InGuardedChild([] { return faults::NullRead(), "lived on"; }, before), "ended by SIGSEGV");
+  }
 }
 
 TEST(FaultGuard, WithoutAWillingFilterTheHostGetsTheFault) {
@@ -163,12 +164,8 @@ TEST(FaultGuard, WithoutAWillingFilterTheHostGetsTheFault) {
   EXPECT_EQ(withFilter([](ExceptionPointers&) -> Long { return 0; }), "ended by SIGSEGV");
 }
 
-// Of a thread to which the host gave an alternate stack: whether it stands after the library's start-up, and again
-// at the thread's end.
+// Of a thread to which the host gave an alternate stack.
 struct AlternateStack {
-  bool AtStart() const { return started.ss_sp == host.ss_sp; }
-  bool AtEnd() const { return end.ss_sp == host.ss_sp; }
-
   stack_t system{}, host{}, started{}, end{};
   bool secondRound = false;
 };
@@ -177,11 +174,11 @@ pthread_key_t threadEnd;
 
 void NoteAtThreadEnd(void* value) {
   auto& stack = *static_cast<AlternateStack*>(value);
-  if (!std::exchange(stack.secondRound, true)) {
+  if (std::exchange(stack.secondRound, true)) {
+    sigaltstack(&stack.system, &stack.end);
+  } else {
     pthread_setspecific(threadEnd, value);  // again when the library has had its turn
-    return;
   }
-  sigaltstack(&stack.system, &stack.end);
 }
 
 TEST(FaultGuard, LargeAlternateStackIsKeptAndASmallOnePutBack) {
@@ -198,8 +195,8 @@ TEST(FaultGuard, LargeAlternateStackIsKeptAndASmallOnePutBack) {
       pthread_setspecific(threadEnd, &stack);
     }).join();
     EXPECT_GE(stack.started.ss_size, std::size_t{64 * 1024});
-    EXPECT_EQ(stack.AtStart(), size != 16384);
-    EXPECT_TRUE(stack.AtEnd());
+    EXPECT_EQ(stack.started.ss_sp == memory.data(), size != 16384);
+    EXPECT_EQ(stack.end.ss_sp, memory.data());
   }
   pthread_key_delete(threadEnd);
 }
