@@ -4,6 +4,7 @@
 
 #include "tests/RecordingHost.h"
 #include "tests/TempFile.h"
+#include "tests/Values.h"
 #include "torva35/model/clsTORVATest.h"
 
 namespace TORVA35 {
@@ -43,13 +44,7 @@ class ExamView : public HostTest {
   String Scales() {
     return test->MultipleChoiceOddScale()->AsString(u"") + u" " + test->MultipleChoiceEvenScale()->AsString(u"");
   }
-  static String Key(const clsTORVATestQuestion& question) {
-    String key;
-    for (Integer i = 1; i <= question.CorrectAnswers()->Count(); ++i) {
-      key += u" " + Decimal(question.CorrectAnswers()->Item(i));
-    }
-    return key.substr(key.empty() ? 0 : 1);
-  }
+  static String Key(const clsTORVATestQuestion& question) { return Joined(*question.CorrectAnswers()); }
 
   Ref<clsTORVATest> test = New<clsTORVATest>();
   bool cancelled = false;
@@ -111,6 +106,10 @@ TEST_F(ExamView, ScalesFromLetters) {
   EXPECT_EQ(Scales(), u"ABC FGH");  // "True", "False" and one choice: the largest count may be any kind's
   EXPECT_TRUE(Load(eight));
   EXPECT_EQ(Scales(), u"ABC FGH") << "carried over";
+  test->MultipleChoiceEvenScale(nullptr);
+  EXPECT_FALSE(Load("<mc-choice-sequence value='ABCDE_FGHIJ'/>" + eight));
+  EXPECT_EQ(TakeFailures(), "91 clsTORVATest.PopulateMultipleChoiceScales, 91 clsTORVATest.TrimScales");
+  EXPECT_EQ(test->MultipleChoiceOddScale()->Count(), 0);  // the first one goes
 }
 
 TEST_F(ExamView, PartialCreditIsAskedOnce) {
@@ -177,24 +176,24 @@ TEST_F(ExamView, AnswerIsCodedByKind) {
     const char16_t* key;
   };
   for (const Row& row :
-       {Row{"mc", "B, D", u"2 4"},    Row{"mc", "b,d", u"2 4"}, Row{"mr", "D, B", u"4 2"},
+       {Row{"mc", "B, D", u"2|4"},    Row{"mc", "b,d", u"2|4"}, Row{"mr", "D, B", u"4|2"},
         Row{"mc", "B,B", u"2"},       Row{"mc", "", u""},       Row{"mc", ",, ,", u""},
         Row{"mc", "H", u"8"},         Row{"mc", "1", u"-15"},   Row{"mc", " C \n", u"3"},
-        Row{"mc", "A,\nB", u"1 -54"}, Row{"mc", "é", u"137"},   Row{"mc", "ÿ", u"95"},
-        Row{"mc", "Ω,?", u"-1"},      Row{"bi", "T", u"20"},    Row{"none", "Paris, France", u"16 6"},
+        Row{"mc", "A,\nB", u"1|-54"}, Row{"mc", "é", u"137"},   Row{"mc", "ÿ", u"95"},
+        Row{"mc", "Ω,?", u"-1"},      Row{"bi", "T", u"20"},    Row{"none", "Paris, France", u"16|6"},
         Row{"tf", "True", u"1"},      Row{"tf", "false", u"2"}, Row{"tf", "Yes", u""},
         Row{"tf", " T", u""},         Row{"tf", "T,F", u"1"},   Row{"yn", "yES", u"1"},
         Row{"yn", "n", u"2"},         Row{"yn", "T", u""},      Row{"mtf", "T", u"20"}}) {
     const std::string answer = "<answer>" + std::string(row.answer) + "</answer>";
     EXPECT_EQ(Key(Read(answer, "type='" + std::string(row.type) + "'")), row.key) << row.type << " " << row.answer;
   }
-  EXPECT_EQ(Key(Read("<ANSWER><b>B</b>,<![CDATA[ A]]></ANSWER><answer>C,A</answer>")), u"2 1 3");
+  EXPECT_EQ(Key(Read("<ANSWER><b>B</b>,<![CDATA[ A]]></ANSWER><answer>C,A</answer>")), u"2|1|3");
 }
 
 TEST_F(ExamView, DisplayModeReplacesTheKind) {
   const auto& bimodal = Read("<answer>T</answer><bi-display-mode value='tf'/><answer>T</answer>", "type='bi'");
   EXPECT_EQ(bimodal.QuestionType(), TORVATestQuestionTypeTrueFalse);
-  EXPECT_EQ(Key(bimodal), u"20 1");
+  EXPECT_EQ(Key(bimodal), u"20|1");
   EXPECT_EQ(bimodal.Answers()->Count(), 0);
   const auto& choice = Read("<bi-display-mode value='mc'/>", "type='tf'");
   EXPECT_EQ(choice.QuestionType(), TORVATestQuestionTypeMultipleChoice);
@@ -222,23 +221,22 @@ TEST_F(ExamView, IDIsQuestionIDAndBankID) {
 
 TEST_F(ExamView, TextsOfAQuestion) {
   const std::string longText(300, 'x');
+  std::string info =
+      "<info><difficulty>early</difficulty><Difficulty> D<b>1</b></Difficulty><other>x</other></info>";
+  for (const std::string name : {"keywords", "Miscellaneous", "notes", "reference", "topic"}) {
+    info += "<INFO><" + name + ">" + name + longText + "</" + name + "></INFO>";
+  }
   const auto& question = Read(
       "<text>first</text><Text>  two\t</Text>"
       "<choices><choice-b> b </choice-b>text<choice-a>a</choice-a><picture>lost</picture><CHOICE-C/></choices>"
       "<choices><choice-a><font>" +
-          longText +
-          "</font></choice-a></choices>"
-          "<info><difficulty>early</difficulty><Difficulty> D<b>1</b></Difficulty><keywords>K" +
-          longText + "</keywords><other>x</other></info><INFO><miscellaneous>M" + longText +
-          "</miscellaneous><notes>N" + longText + "</notes><reference>R" + longText + "</reference><topic>T" +
-          longText + "</topic></INFO><difficulty>x</difficulty>",
+          longText + "</font></choice-a></choices><difficulty>x</difficulty>" + info,
       "type='tf'");
-  EXPECT_EQ(question.Answers()->AsString(u"|"), u"True|False|b|text|a|||" + String(50, u'x'));
+  EXPECT_EQ(Joined(*question.Answers()), u"True|False|b|text|a|||" + String(50, u'x'));
   EXPECT_EQ(question.QuestionText() + question.Difficulty(), u"two\t D1");
-  const String tail(254, u'x');
+  EXPECT_EQ(question.Notes() + question.Reference(), FromUtf8("notes" + longText + "reference" + longText));
   EXPECT_EQ(question.Keywords() + question.Miscellaneous() + question.Topic(),
-            u"K" + tail + u"M" + tail + u"T" + tail);
-  EXPECT_EQ(question.Notes() + question.Reference(), u"N" + FromUtf8(longText) + u"R" + FromUtf8(longText));
+            u"keywords" + String(247, u'x') + u"Miscellaneous" + String(242, u'x') + u"topic" + String(250, u'x'));
 }
 
 TEST_F(ExamView, Points) {

@@ -1,8 +1,7 @@
-#include <gtest/gtest.h>
-
-#include <filesystem>
+#include <limits>
 
 #include "tests/RecordingHost.h"
+#include "tests/TempFile.h"
 #include "tests/Values.h"
 #include "torva35/lmf/clsLmf.h"
 #include "torva35/model/basPublic.h"
@@ -69,67 +68,61 @@ TEST_F(LmfImport, FieldsOfTestAndQuestion) {
   lmf->Description(u"description");
   lmf->Notes(u"notes");
   lmf->Prepare();
-  AddObjective(u" Alpha ");
-  AddObjective(u"alpha");
-  AddObjective(u"Beta");
-  auto from = Add({u"A", u"B", u"C"}, u"B");
+  for (const char16_t* objective : {u" Alpha ", u"alpha", u"Beta"}) AddObjective(objective);
+  const auto from = Add({u"A", u"B", u"C"}, u"B");
   for (Long k : {1, 2, 3}) from->ObjectiveFlags()->Item(k)->Value(true);
+#define SET_OWN_NAME(member) from->member(u"" #member);
+  DESCRIPTIONS(SET_OWN_NAME);
+  from->Text(u"text");
   from->CorrectAnd(false);
   from->CorrectPoints(2.5);
-  from->IncorrectPoints(-0.5);
+  from->IncorrectPoints(-std::numeric_limits<Double>::infinity());
   from->NoResponsePoints(0.25);
   from->SubjectivePoints(9);
-  from->Text(u"text");
-  from->Topic(u"topic");
   ASSERT_TRUE(Build());
-  EXPECT_TRUE(test->UserDefined());
-  EXPECT_EQ(test->Source(), TORVATestSourceTypeLMF);
-  EXPECT_EQ(test->Description() + test->Notes(), u"descriptionnotes");
-  EXPECT_EQ(Question(1)->LearningObjectives()->AsString(u"|"), u"Alpha");  // neither the built-in one nor twice
+  EXPECT_EQ(Values({test->UserDefined(), Long{test->Source()}, test->Description(), test->Notes(),
+                    test->Sequences()->Item(1)->Answer()}),
+            u"True 1 description notes A");
   const auto& to = *Question(1);
+#define VALUE(member) to.member(),
+  EXPECT_EQ(Values({DESCRIPTIONS(VALUE) to.QuestionText()}),
+            u"Difficulty Reference Topic Keywords Miscellaneous Notes text");
   EXPECT_EQ(Values({to.CorrectAnd(), to.CorrectPoints(), to.IncorrectPoints(), to.NoResponsePoints(),
-                    to.SubjectivePoints(), to.QuestionText(), to.Topic()}),
-            u"False 2.5 -0.5 0.25 0 text topic");
-  EXPECT_EQ(test->Sequences()->Item(1)->Answer(), u"A");
+                    to.SubjectivePoints(), Joined(*to.LearningObjectives())}),
+            u"False 2.5 -Infinity 0.25 0 Alpha");  // neither the built-in one nor twice
 }
 
-// What a list of objectives answers, before and after each kind of change, with the failures.
+// What a list of objectives and copies of it answer after one change after the other, with the failures.
 String AnswersOf(const Ref<clsTORVATestStrings>& list) {
+  using List = clsTORVATestStrings;
+  void (*const changes[])(List&) = {[](List&) {},
+                                    [](List& of) { of.Add(u"new", u"Beta"); },
+                                    [](List& of) { of.Remove(1); },
+                                    [](List& of) { of.Item(1, u"other"); },
+                                    [](List& of) { of.Item(u"ALPHA", u"again"); },
+                                    [](List& of) { of.Add(u"first", u"k", 1); },
+                                    [](List& of) { of.RemoveAll(); }};
   String answers;
-  const auto ask = [&](const Ref<clsTORVATestStrings>& of) {
-    answers += u"\n" + Decimal(of->Count()) + u": " + of->AsString(u"|");
-    for (const TaggedValue& index : std::vector<TaggedValue>{1, 2.6, 0, 9, u"ALPHA", u"", u"beta", Null}) {
-      answers += (of->Exists(index) ? u" <" : u" no <") + of->Item(index) + u">";
+  for (const bool all : {false, true}) {
+    for (const auto& change : changes) {
+      const auto of = all ? list : list->Copy();
+      change(*of);
+      answers += u"\n" + Decimal(of->Count()) + u": " + Joined(*of) + u" " + of->AsString();
+      for (const TaggedValue& index : std::vector<TaggedValue>{2.6, 0, 9, u"ALPHA", u"", u"beta", Null}) {
+        answers += (of->Exists(index) ? u" <" : u" no <") + of->Item(index) + u">";
+      }
     }
-    for (const String& text : of->AsArray()) answers += u" " + text;
-  };
-  const auto change = [&](const auto& what) {
-    const auto copy = list->Copy();
-    ask(copy);
-    what(*copy);
-    ask(copy);
-  };
-  ask(list);
-  change([](auto& copy) { copy.Remove(1); });
-  change([](auto& copy) { copy.Item(1, u"other"); });
-  list->Add(u"new", u"Beta");
-  ask(list);
-  list->Item(u"ALPHA", u"again");
-  list->Remove(2);
-  list->Add(u"first", u"k", 1);
-  ask(list);
-  list->RemoveAll();
-  ask(list);
+  }
   return answers;
 }
 
 TEST_F(LmfImport, QuestionsThatShareObjectivesHaveListsOfTheirOwn) {
+  struct HostLmf : clsLmf {};  // whose objects are asked each time
   const std::vector<String> distinct = {u"Alpha", u"beta", String(60, u'x'), u""};
   const std::vector<String> equal = {u" ALPHA ", u"Alpha", u"beta", u"a\tb", u"alpha", u"BETA"};
   for (const auto& texts : {distinct, equal}) {
     String answers[2];
     for (const bool hosts : {false, true}) {
-      struct HostLmf : clsLmf {};  // whose objects are asked each time
       lmf = hosts ? New<HostLmf>() : New<clsLmf>();
       lmf->Prepare();
       for (const String& text : texts) AddObjective(text);
@@ -138,9 +131,8 @@ TEST_F(LmfImport, QuestionsThatShareObjectivesHaveListsOfTheirOwn) {
         for (Long k = 1; k <= flags->Count(); ++k) flags->Item(k)->Value(k % 3 != i);
       }
       ASSERT_TRUE(Build());
-      answers[hosts] += Decimal(test->NumObjectives());
-      const auto copy = test->Copy();
-      for (const auto& of : {test, copy}) {
+      answers[hosts] = Decimal(test->NumObjectives());
+      for (const auto& of : {test, test->Copy()}) {
         for (Long i = 1; i <= 3; ++i) answers[hosts] += AnswersOf(of->Questions()->Item(i)->LearningObjectives());
       }
       answers[hosts] += FromUtf8(TakeFailures());
@@ -230,33 +222,31 @@ TEST_F(LmfImport, Failures) {
 }
 
 TEST_F(LmfImport, FileAndTitle) {
-  const auto folder = std::filesystem::path(testing::TempDir()) / "lmf.import";
-  std::filesystem::create_directories(folder);
-  const auto load = [&](const char* name) {
-    // On Windows a "\\" stands behind a folder.
-    std::filesystem::create_directories((folder / name).parent_path());
-    const String path = FromUtf8((folder / name).string());
-    return lmf->Save(path) && test->LoadLMF(path);
+  const Folder folder;
+  const auto load = [&](const String& name) {
+    // On Windows a "\\" stands after a folder.
+    const std::filesystem::path path(FromUtf8(folder.path) + u"/" + name);
+    std::filesystem::create_directories(path.parent_path());
+    return lmf->Save(path.u16string()) && test->LoadLMF(path.u16string());
   };
   Add({u"A", u"B", u"C"}, u"B");
-  const bool hasBackslash = folder.string().find('\\') != std::string::npos;
-  for (const auto& [name, title] : {std::pair("plain.lmf", hasBackslash ? u"plain" : u""),
-                                    {"dir\\one.two.lmf", u"one.two"},
-                                    {"d.ir\\noextension", u"noextension"},
-                                    {"a\\b\\.x", u""}}) {
+  const bool hasBackslash = folder.path.find('\\') != std::string::npos;
+  for (const auto& [name, title] : {std::pair(u"plain.lmf", hasBackslash ? u"plain" : u""),
+                                    {u"dir\\one.two.lmf", u"one.two"},
+                                    {u"d.ir\\noextension", u"noextension"},
+                                    {u"a\\b\\.x", u""}}) {
     test->Title(u"before");
-    EXPECT_TRUE(load(name)) << name;
-    EXPECT_EQ(test->Title(), title) << name;
+    EXPECT_TRUE(load(name));
+    EXPECT_EQ(test->Title(), title);
     EXPECT_EQ(test->MultipleChoiceEvenScale()->Count(), 3);  // "A" to "D", trimmed
   }
   test->Title(u"kept");
   EXPECT_FALSE(test->LoadLMF(u"/no/such/file"));
   EXPECT_EQ(test->Title() + IDs(), u"kept1 ");
   lmf->Questions()->RemoveAll();
-  EXPECT_FALSE(load("empty.lmf"));
+  EXPECT_FALSE(load(u"empty.lmf"));
   EXPECT_EQ(test->Sequences()->Count(), 1);
   EXPECT_TRUE(test->UserDefined());
-  std::filesystem::remove_all(folder);
 }
 
 }  // namespace

@@ -7,10 +7,6 @@
 #include <limits>
 #include <optional>
 #include <random>
-#include <string>
-#include <type_traits>
-#include <utility>
-#include <vector>
 
 #include "tests/Values.h"
 
@@ -61,12 +57,14 @@ TEST(Collection, NumbersArePositionsAndStringsAreKeys) {
 static_assert(!std::is_convertible_v<char16_t, TaggedValue> && !std::is_convertible_v<char, TaggedValue>);
 static_assert(std::is_convertible_v<signed char, TaggedValue>);
 
+// The key's kind first, then the places, and a key in use last.
 TEST(Collection, AddRefusesBadKeysAndPlaces) {
   Collection list = Letters();
   for (const TaggedValue& key : {TaggedValue(5), TaggedValue(Empty), TaggedValue(Null), TaggedValue(true)}) {
-    EXPECT_EQ(Raised([&] { list.Add(u"x", key); }), kTypeMismatch);
+    EXPECT_EQ(Raised([&] { list.Add(u"x", key, 1, 1); }), kTypeMismatch);
   }
-  EXPECT_EQ(Raised([&] { list.Add(u"x", Missing, 1, 1); }), kInvalidCall);
+  EXPECT_EQ(Raised([&] { list.Add(u"x", u"", 1, 1); }), kInvalidCall);
+  EXPECT_EQ(Raised([&] { list.Add(u"x", u"", 9); }), kSubscriptOutOfRange);
   EXPECT_EQ(Raised([&] { list.Add(u"x", u""); }), kDuplicateKey);
   EXPECT_EQ(list.Count(), 3);
 }

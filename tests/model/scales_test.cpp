@@ -61,15 +61,12 @@ TEST_F(AnswerScales, PositionIsThatOfTheFirstQuestionWithTheSameID) {
 TEST_F(AnswerScales, Overrides) {
   Add(TORVATestQuestionTypeMultipleChoice, 1);
   Add(TORVATestQuestionTypeMultipleChoice, 1);
-  for (const TaggedValue& odd : {TaggedValue(true), TaggedValue(u"TRUE"), TaggedValue(Integer{-1}), TaggedValue(2),
-                                 TaggedValue(u"-1"), TaggedValue(0.5), TaggedValue(u" true")}) {
+  using Values = std::vector<TaggedValue>;
+  for (const TaggedValue& odd : Values{true, u"TRUE", Integer{-1}, 2, u"-1", 0.5, u" true"}) {
     EXPECT_EQ(Scale(2, odd), u"A");
   }
-  for (const TaggedValue& even :
-       {TaggedValue(false), TaggedValue(u"false"), TaggedValue(0), TaggedValue(u" 0 ")}) {
-    EXPECT_EQ(Scale(1, even), u"F");
-  }
-  for (const TaggedValue& unreadable : {TaggedValue(Null), TaggedValue(Empty), TaggedValue(u"0 0")}) {
+  for (const TaggedValue& even : Values{false, u"false", 0, u" 0 "}) EXPECT_EQ(Scale(1, even), u"F");
+  for (const TaggedValue& unreadable : Values{Null, Empty, u"0 0"}) {
     EXPECT_EQ(Scale(1, unreadable), u"nothing");
     EXPECT_EQ(TakeFailures(), "13 clsTORVATest.QuestionScale");
   }
@@ -78,11 +75,12 @@ TEST_F(AnswerScales, Overrides) {
 }
 
 TEST_F(AnswerScales, CorrectAnswers) {
-  const std::vector<Integer> keys[] = {{3, 1}, {2}, {1, 9}, {20, -15}, {}, {1}};
-  const Long types[] = {3, 1, 3, 11, 3, 11};
-  for (std::size_t i = 0; i < 6; ++i) Add(types[i], types[i] == 3 ? 5 : 0, keys[i]);
-  const char16_t* const texts[] = {u"(C,A)", u"F", u"(A,)", u"(,)", u"", u"", u""};
-  for (Long i = 1; i <= 7; ++i) EXPECT_EQ(test->CorrectAnswersAsString(i), texts[i - 1]);
+  const std::vector<Integer> keys[] = {{3, 1}, {2}, {1, 9}, {20, -15}, {}, {1}, {4, 3}};
+  const Long types[] = {3, 1, 3, 11, 3, 11, 3};
+  for (std::size_t i = 0; i < 7; ++i) Add(types[i], i == 6 ? 3 : types[i] == 3 ? 5 : 0, keys[i]);
+  // The last one is within the scale and beyond the answers.
+  const char16_t* const texts[] = {u"(C,A)", u"F", u"(A,)", u"(,)", u"", u"", u"(,C)", u""};
+  for (Long i = 1; i <= 8; ++i) EXPECT_EQ(test->CorrectAnswersAsString(i), texts[i - 1]);
   EXPECT_EQ(test->CorrectAnswersAsString(u"1", u" or ", false), u"C or A");
   EXPECT_EQ(test->CorrectAnswersAsString(1, u",", true, true), u"(3,1)");
   EXPECT_EQ(test->CorrectAnswersAsString(1, u""), u"(CA)");
@@ -91,7 +89,7 @@ TEST_F(AnswerScales, CorrectAnswers) {
 
   EXPECT_EQ(test->CorrectAnswersAsArray(1), (Array<String>{u"3", u"1"}));
   EXPECT_EQ(test->CorrectAnswersAsArray(3, true), (Array<String>{u"A", u""}));
-  for (Long index : {5, 7}) EXPECT_TRUE(test->CorrectAnswersAsArray(index, true).IsEmpty());
+  for (Long index : {5, 8}) EXPECT_TRUE(test->CorrectAnswersAsArray(index, true).IsEmpty());
 }
 
 TEST_F(AnswerScales, AListThatIsNothing) {
