@@ -14,8 +14,6 @@
 #include <signal.h>
 #endif
 
-#include "component_user.h"
-
 // This program is not linked with the library: all that it knows of it comes through the component's calls.
 namespace TORVA35 {
 namespace {
@@ -72,18 +70,20 @@ constexpr bool kPutsUpHandlers = true;
 
 #endif
 
-class OpenLibrary {
- public:
-  explicit OpenLibrary(const char* path) : handle_(Open(path)) { EXPECT_NE(handle_, nullptr) << path; }
-  ~OpenLibrary() { Close(handle_); }
+struct OpenLibrary {
+  explicit OpenLibrary(const char* path) : handle(Open(path)) { EXPECT_NE(handle, nullptr) << path; }
+  ~OpenLibrary() { Close(handle); }
 
   template <class Function>
   Function* Get(const char* name) {
-    return reinterpret_cast<Function*>(Find(handle_, name));
+    return reinterpret_cast<Function*>(Find(handle, name));
   }
-
- private:
-  void* handle_;
+  Ref<Object> Create(const char16_t* name) {
+    const ClassFactory* factory = nullptr;
+    Get<decltype(DllGetClassObject)>("DllGetClassObject")(name, &factory);
+    return factory == nullptr ? nullptr : factory->CreateInstance();
+  }
+  void* const handle;
 };
 
 TEST(Component, GivesFactoriesByName) {
@@ -92,8 +92,7 @@ TEST(Component, GivesFactoriesByName) {
   const ClassFactory* factory = nullptr;
   for (const std::u16string name : {u"clsTORVA", u"clsTORVATest", u"clsTORVATestQuestion", u"clsTORVATestStrings",
                                     u"clsTORVATestCorrect", u"clsTORVATestSequence"}) {
-    ASSERT_EQ(getClassObject(name.c_str(), &factory), kComponentOk);
-    const Ref<Object> object = factory->CreateInstance();
+    const Ref<Object> object = library.Create(name.c_str());
     ASSERT_NE(object, nullptr);
     const Object& made = *object;
     const std::string type = typeid(made).name();
@@ -119,19 +118,14 @@ TEST(Component, CanBeUsedAndUnloadedAgainAndAgain) {
       // Closed last: the error object's code is in there, and the library holds that object until it is unloaded.
       OpenLibrary user(TEST_USER);
       OpenLibrary library(TEST_LIBRARY);
-      const auto create = [&](const char16_t* name) {
-        const ClassFactory* factory = nullptr;
-        library.Get<decltype(DllGetClassObject)>("DllGetClassObject")(name, &factory);
-        return factory->CreateInstance();
-      };
       const auto canUnloadNow = library.Get<decltype(DllCanUnloadNow)>("DllCanUnloadNow");
       EXPECT_EQ(canUnloadNow(), 0);
-      Ref<Object> engine = create(u"clsTORVA");
-      Ref<Object> test = create(u"clsTORVATest");
+      Ref<Object> engine = library.Create(u"clsTORVA");
+      Ref<Object> test = library.Create(u"clsTORVATest");
       EXPECT_EQ(canUnloadNow(), 1);
       EXPECT_EQ(Handlers() != handlersBefore, kPutsUpHandlers);
       const std::unique_ptr<std::string> seen(
-          user.Get<decltype(UseComponent)>("UseComponent")(*engine, *test, &errorObjectReleased));
+          user.Get<std::string*(Object&, Object&, bool*)>("UseComponent")(*engine, *test, &errorObjectReleased));
       EXPECT_EQ(*seen, "Final exam, 9 in TORVA35 - clsTORVATests.Remove");
       engine.reset();
       EXPECT_EQ(canUnloadNow(), 1);

@@ -1,35 +1,29 @@
-#include "component_user.h"
+// What a plug-in of a host does with objects that the host has created by name: reports go to an error object of
+// its own, which sets `*released` at its end. Returns what it has seen.
 
 #include "torva35/base/Text.h"
 #include "torva35/errors/ErrorObject.h"
 #include "torva35/merge/clsTORVA.h"
 #include "torva35/model/clsTORVATest.h"
 
-namespace TORVA35 {
-namespace {
+using namespace TORVA35;
 
-class Host : public ErrorObject {
- public:
-  Host(std::string& seen, bool& released) : seen_(seen), released_(released) {}
-  ~Host() override { released_ = true; }
+struct Host : ErrorObject {
+  Host(std::string& text, bool& gone) : seen(text), released(gone) {}
+  ~Host() override { released = true; }
 
   TaggedValue RaiseError(TaggedValue& vNumber, Long&, String&, String& sLocation, String&, String&, String&,
                          String&, Long&, String&, String&, String&, bool&) override {
-    seen_ += ToUtf8(TextOf(vNumber) + u" in " + sLocation.substr(0, sLocation.find(u';')));
+    seen += ToUtf8(TextOf(vNumber) + u" in " + sLocation.substr(0, sLocation.find(u';')));
     return 0;
   }
   TaggedValue MsgBoxEx(String, String, Long, TaggedValue, String, TaggedValue) override { return 6; }
 
- private:
-  std::string& seen_;
-  bool& released_;
+  std::string& seen;
+  bool& released;
 };
 
-}  // namespace
-}  // namespace TORVA35
-
-std::string* UseComponent(TORVA35::Object& engine, TORVA35::Object& test, bool* released) {
-  using namespace TORVA35;
+extern "C" std::string* UseComponent(Object& engine, Object& test, bool* released) {
   auto& oEngine = dynamic_cast<clsTORVA&>(engine);
   auto& oTest = dynamic_cast<clsTORVATest&>(test);
   auto* const seen = new std::string;

@@ -172,20 +172,5 @@ TEST(clsTemplate, IndexFailuresHaveTheirNumbers) {
   EXPECT_EQ(form.PageCount(), 1);
 }
 
-// What a host derives takes part in a merge: it survives the copy when it says how.
-TEST(clsTemplate, AHostsOwnQuestionCanRaise) {
-  struct Raising : clsTemplateQuestion {
-    bool Graded() const override { Raise(kInternalError); }
-    Ref<clsTemplateQuestion> Copy() const override { return New<Raising>(); }
-  };
-  clsTemplate form;
-  const auto field = Field(0, 1);
-  field->Questions()->Add(New<Raising>());
-  form.Pages()->Add(Page({field}));
-  const auto copy = form.Copy(true, false);
-  EXPECT_EQ(Raised([&] { copy->GradedCount(); }), kInternalError);
-  EXPECT_EQ(Numbers(*copy), (Expected{1, 2}));
-}
-
 }  // namespace
 }  // namespace TORVA35

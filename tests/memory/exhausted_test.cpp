@@ -12,8 +12,8 @@ namespace {
 
 std::string Export(const std::string& version, const std::string& ids) {
   std::string xml =
-      "<!DOCTYPE examview [<!ENTITY % p SYSTEM 'p'>%p;<!ENTITY e 'an entity of some "
-      "length'>]><examview><header><version>" +
+      "<!DOCTYPE examview [<!ENTITY % p SYSTEM 'p'>%p;<!ENTITY e 'an entity of some length'>]><examview>"
+      "<header><version>" +
       version + "</version></header><mc-choice-sequence a='ABCDE_FGHJK'/>";
   for (const char id : ids) {
     xml += std::string("<question type='mc' bank-id=' with a long name' question-id='") + id +
@@ -43,25 +43,25 @@ String TestText(const Ref<clsTORVATest>& test) {
   return text;
 }
 
+bool Load(const Ref<clsTORVATest>& test, const TempFile& file) {
+  test->ImportObjectives(TORVATestImportObjectivesLearning);
+  return test->LoadXML(file.Path());
+}
+
 // All that an operation works on, with an error object of its own.
 struct World : MergeTest {
   World() {
     Load(first, kExport);
     Load(second, kOtherExport);
-    engine->Tests()->Add(first);
-    engine->Tests()->Add(second);
+    for (const auto& test : {first, second}) engine->Tests()->Add(test);
     first->AddSequence(second);
-    engine->TemplateIn(Form({{Field(1, false, {u"A", u"B"}), Field(4, true, {u"1", u"2", u"3"})}}));
+    engine->TemplateIn(Form({{Field(1, false, {u"A", u"B"}), Field(4, true, kFive)}}));
     engine->TemplateOut(New<clsTemplate>());
     engine->SequenceQuestion(1);
     lmf->Open(kLmf.Path());
   }
   void TestBody() override {}
 
-  static bool Load(const Ref<clsTORVATest>& test, const TempFile& file) {
-    test->ImportObjectives(TORVATestImportObjectivesLearning);
-    return test->LoadXML(file.Path());
-  }
   String Text() {
     clsLmf saved;
     saved.Open(kSaved.Path());
@@ -91,9 +91,8 @@ struct Operation {
 };
 
 const Operation kOperations[] = {
-    {"LoadXML", [](World& world) { return World::Load(world.first, kOtherExport); }},
-    {"RemoveInvalid",
-     [](World& world) { return World::Load(world.first, kExport) && world.engine->RemoveInvalid(2); }},
+    {"LoadXML", [](World& world) { return Load(world.first, kOtherExport); }},
+    {"RemoveInvalid", [](World& world) { return Load(world.first, kExport) && world.engine->RemoveInvalid(2); }},
     {"ValidTestVersions", [](World& world) { return world.engine->ValidTestVersions(); }},
     {"AddSequence",
      [](World& world) { return world.first->Sequences()->RemoveAll() && world.first->AddSequence(world.second); }},

@@ -146,11 +146,11 @@ TEST(LmfFile, ASaveKeepsAccessRightsAndFollowsALink) {
   const Folder folder;
   const std::string target = folder.File("target");
   Write(target, "old");
-  fs::permissions(target, fs::perms(0640));
+  fs::permissions(target, fs::perms(06640));
   fs::create_symlink("target", folder.File("link"));
   EXPECT_TRUE(Save(clsLmf(), folder.File("link")));
   EXPECT_TRUE(fs::is_symlink(folder.File("link")));
-  EXPECT_EQ(fs::status(target).permissions(), fs::perms(0640));
+  EXPECT_EQ(fs::status(target).permissions(), fs::perms(06640));
   clsLmf opened;
   EXPECT_TRUE(opened.Open(FromUtf8(target)));
   // A link that leads to no file yet, by way of another folder's link.
