@@ -349,7 +349,7 @@ bool ReadLmf(const String& sPath, clsLmf& oLmf) {
   if (tail == Tail::kDamaged) return false;
   const bool hasCheck = tail == Tail::kChecksum;
   // A host's own parts see each element once.
-  if (hasCheck && typeid(oLmf) == typeid(clsLmf)) {
+  if (hasCheck && typeid(oLmf) == typeid(clsLmf) && file.Size() <= XmlReader::kLargestFileBytes) {
     CrcOfFirst crc(checksum.size);
     Reader reader(oLmf, hasCheck);
     const auto pass = [&](std::string_view bytes) { crc.Pass(bytes); };

@@ -20,7 +20,6 @@ constexpr std::int64_t kLargestChunkBytes = 1 << 28;
 // declared for them; small files may always reach 8 MiB. The parser itself watches over the entities only.
 constexpr int kMaximumAmplification = 10;
 constexpr std::int64_t kAlwaysAllowedBytes = 8 << 20;
-constexpr std::int64_t kLargestFileBytes = 1 << 30;
 // Entities and attributes that a document may declare.
 constexpr int kMostDeclared = 10'000;
 // How many of the entities may refer to others, and so how deep they nest: the parser calls itself for each level.

@@ -20,6 +20,9 @@ namespace TORVA35 {
 /// Reads one file through the parser into a tree.
 struct XmlReader {
  public:
+  /// A longer file is refused.
+  static constexpr std::int64_t kLargestFileBytes = 1 << 30;
+
   /// Is told of the bytes of a file, in order, before they are parsed.
   using Listener = std::function<void(std::string_view)>;
 
