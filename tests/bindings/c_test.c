@@ -1,5 +1,5 @@
-/* The C interface as a C program meets it: c_test SAMPLE_A SAMPLE_B BROKEN FOLDER. Prints each check that fails.
- */
+/* The C interface as a C program meets it: c_test SAMPLE_A SAMPLE_B BROKEN FOLDER prints each check that fails;
+ * c_test --json FILE... prints what is known about the files, and ends with the code. */
 
 #include <stdio.h>
 #include <stdlib.h>
@@ -209,7 +209,18 @@ static void Callbacks(const char* first, const char* second, const char* broken)
   torva35_exam_free(exam);
 }
 
+static int PrintJson(int count, char** files) {
+  torva35_text json;
+  torva35_exam* exam = torva35_exam_new();
+  for (int i = 0; i < count; ++i) torva35_exam_add_file(exam, files[i], TORVA35_WHOLE, NULL, 0);
+  const torva35_code code = torva35_exam_make(exam, NULL, NULL);
+  if (torva35_exam_json(exam, &json) == TORVA35_OK) fwrite(json.data, 1, json.size, stdout);
+  torva35_exam_free(exam);
+  return (int)code;
+}
+
 int main(int argc, char** argv) {
+  if (argc > 1 && strcmp(argv[1], "--json") == 0) return PrintJson(argc - 2, argv + 2);
   if (argc != 5) return 2;
   WrongCalls(argv[1]);
   Results(argv[1], argv[2], argv[4]);
