@@ -50,7 +50,8 @@ class Scanner {
   bool IsPrintable(std::string_view line) {
     // A loop that compilers turn into one over many bytes at a time.
     unsigned char least = 0xFF, greatest = 0;
-    for (const unsigned char byte : line) {
+    for (const char character : line) {
+      const auto byte = static_cast<unsigned char>(character);
       least = std::min(least, byte);
       greatest = std::max(greatest, byte);
     }

@@ -51,12 +51,16 @@ constexpr std::string_view Replaced(char16_t unit) {
   }
 }
 
-// Whether the unit stands in an attribute as it is, by its number.
-constexpr std::array<bool, 0x80> kIsPlain = [] {
+// Which units stand in an attribute as they are, by their number.
+constexpr std::array<bool, 0x80> PlainUnits() {
   std::array<bool, 0x80> plain{};
-  for (char16_t unit = 0x20; unit < plain.size(); ++unit) plain[unit] = Replaced(unit).empty();
+  for (std::size_t unit = 0x20; unit < plain.size(); ++unit) {
+    plain[unit] = Replaced(static_cast<char16_t>(unit)).empty();
+  }
   return plain;
-}();
+}
+
+constexpr std::array<bool, 0x80> kIsPlain = PlainUnits();
 
 /// Appends the text in the form in which an attribute holds it. inList: it is an entry of a list.
 void AppendText(std::string& out, StringView text, bool inList) {

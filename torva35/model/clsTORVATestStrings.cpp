@@ -162,7 +162,7 @@ Long clsTORVATestStrings::Size() const {
 
 // What is stored of an added text, which is noted for a later copy.
 TaggedValue clsTORVATestStrings::Stored(String text) {
-  if (text.size() > kAddedUnits) text = text.substr(0, kAddedUnits);
+  if (text.size() > kAddedUnits) text = Cut(std::move(text), kAddedUnits);
   holdsUncopyable_ |= !IsCopyable(text);
   return text;
 }
