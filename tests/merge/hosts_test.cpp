@@ -1,8 +1,5 @@
 // What a host does from within a call of ours, what of its own objects is asked, and where they fault.
 
-#include <thread>
-
-#include "tests/TempFile.h"
 #include "tests/merge/MergeFixture.h"
 #include "tests/platform/Faults.h"
 #include "tests/platform/InChild.h"
@@ -86,31 +83,6 @@ TEST_F(HostCalls, AQuestionOfAHostIsGivenItsLists) {
   };
   ASSERT_TRUE(Merge({Test({Choice(u"1")})}, Form({{Field<clsTemplateField, OwnQuestion>(1, true, kFive)}})));
   EXPECT_EQ(OutQuestion(1, 1, 1)->Name(), u" of 2");
-}
-
-struct OwnFlags : clsLmfObjectiveFlags {
-  Ref<clsLmfObjectiveFlag> Item(Long lPosition, CallSite) const override {
-    const auto flags = New<clsLmfObjectiveFlags>();
-    flags->Add(lPosition != 2);
-    return flags->Item(1);
-  }
-};
-struct FlaggedQuestion : clsLmfQuestion {
-  Ref<clsLmfObjectiveFlags> ObjectiveFlags() const override { return New<OwnFlags>(); }
-};
-
-TEST_F(HostCalls, FlagsOfAHostAreAskedOneByOne) {
-  const auto lmf = New<clsLmf>();
-  lmf->Prepare();
-  for (const char16_t* text : {u"one", u"two"}) {
-    lmf->Objectives()->Add(New<clsLmfObjective>());
-    lmf->Objectives()->Item(lmf->Objectives()->Count())->Text(text);
-  }
-  lmf->Questions()->Add(New<FlaggedQuestion>());
-  lmf->Questions()->Item(1)->Graded(true);
-  const auto test = New<clsTORVATest>();
-  ASSERT_TRUE(basPublic::BuildTestFromLMF(test, lmf));
-  EXPECT_EQ(Joined(*test->Questions()->Item(1)->LearningObjectives()), u"two");
 }
 
 // --- A host's own questions and LMF model, of which one call faults: the n-th that the engine makes. ---
@@ -233,37 +205,6 @@ TEST_F(HostFaults, ReleaseTheOwnerOfADialogAndEachReference) {
               return std::to_string(left) + " left, " + TakeFailures();
             }),
             "0 left, 10005 clsTORVA.Merge, 10005 clsTORVA.Class_Terminate, 10005 clsTORVA.Class_Terminate");
-}
-
-// Each loads, merges, and fails now and then, with an error object of its own.
-TEST_F(HostCalls, ThreadsDoNotSeeEachOther) {
-  const TempFile file(
-      "<examview><question type='mc' question-id='1'><choices><a/><b/></choices><answer>B</answer></question>"
-      "<question type='tf' question-id='2'/><question type='es'/></examview>");
-  std::string told[4];
-  std::vector<std::thread> threads;
-  for (std::string& result : told) {
-    threads.emplace_back([&result, path = file.Path(), rounds = 20 + 10 * threads.size()] {
-      const auto own = New<Recorder>();
-      std::size_t merged = 0;
-      for (std::size_t round = 0; round < rounds; ++round) {
-        const auto torva = New<clsTORVA>();
-        torva->SetError(own);
-        const auto test = New<clsTORVATest>();
-        test->LoadXML(path);
-        torva->Tests()->Add(test);
-        torva->RemoveInvalid();
-        torva->TemplateIn(Form({{Field(4, true, kFive)}}));
-        torva->TemplateOut(New<clsTemplate>());
-        if (torva->Merge() && Joined(*torva->MIVLMF()->Questions()->Item(1)->CorrectLabels()) == u"B") ++merged;
-        torva->Tests()->Remove(2);  // a failure
-      }
-      const bool all = merged == rounds && own->failures.size() == rounds && own->dialogs.size() == rounds;
-      result = all ? "as alone" : "disturbed";
-    });
-  }
-  for (std::thread& thread : threads) thread.join();
-  for (const std::string& result : told) EXPECT_EQ(result, "as alone");
 }
 
 }  // namespace

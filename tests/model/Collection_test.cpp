@@ -69,16 +69,6 @@ TEST(Collection, AddRefusesBadKeysAndPlaces) {
   EXPECT_EQ(list.Count(), 3);
 }
 
-TEST(Collection, HoldsAReferenceUntilItsItemGoes) {
-  class Held : public Object {};
-  Collection list;
-  list.Add(New<Held>());
-  const std::weak_ptr<Object> held = *list.Item(1).As<Ref<Object>>();
-  EXPECT_FALSE(held.expired());
-  list.Remove(1);
-  EXPECT_TRUE(held.expired());
-}
-
 /// What a list is meant to do, in the plainest form: a walk for every key. What it refuses, it says with false.
 class Literal {
  public:

@@ -176,21 +176,6 @@ TEST_F(Correct, AsTheBitsOfANumber) {
   EXPECT_EQ(list->Count(), 0);
 }
 
-TEST_F(Correct, CountsWithSixteenBits) {
-  Long next = -32768;
-  while (list->Count() < 32767) list->Add(static_cast<Integer>(next++));
-  EXPECT_EQ(list->GetBitWiseRepresentation(), 0);
-  EXPECT_EQ(list->Copy()->Count(), 32767);
-  list->Add(static_cast<Integer>(next));
-  EXPECT_EQ(list->GetBitWiseRepresentation(), 0);
-  EXPECT_EQ(list->Copy(), nullptr);
-  EXPECT_FALSE(list->RemoveAll());
-  EXPECT_EQ(list->Count(), 32768);
-  EXPECT_EQ(TakeFailures(),
-            "6 clsTORVATestCorrect.GetBitWiseRepresentation, 6 clsTORVATestCorrect.Copy, 6 "
-            "clsTORVATestCorrect.RemoveAll");
-}
-
 Ref<clsTORVATestQuestion> Question(const String& id, Long type = TORVATestQuestionTypeMultipleChoice) {
   auto question = New<clsTORVATestQuestion>();
   question->ID(id);

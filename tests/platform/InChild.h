@@ -22,17 +22,16 @@
 
 namespace TORVA35 {
 
-#if defined(__SANITIZE_ADDRESS__) || __has_feature(address_sanitizer)
-constexpr bool kAddressSanitizer = true;
-#else
-constexpr bool kAddressSanitizer = false;
-#endif
 #if defined(__SANITIZE_THREAD__) || __has_feature(thread_sanitizer)
 constexpr bool kThreadSanitizer = true;
 #else
 constexpr bool kThreadSanitizer = false;
 #endif
-constexpr bool kSanitized = kAddressSanitizer || kThreadSanitizer;
+#if defined(__SANITIZE_ADDRESS__) || __has_feature(address_sanitizer)
+constexpr bool kSanitized = true;
+#else
+constexpr bool kSanitized = kThreadSanitizer;
+#endif
 
 #if defined(_WIN32)
 
