@@ -78,11 +78,11 @@ void FillNasty(clsLmf& lmf) {
   numbers->QuestionMode(kLeast);
   numbers->CorrectCount(kLargest);
   numbers->Multiples(std::numeric_limits<Integer>::min());
-  numbers->CorrectPoints(0.1);
-  numbers->IncorrectPoints(-std::numeric_limits<Double>::infinity());
-  numbers->NoResponsePoints(std::numeric_limits<Double>::quiet_NaN());
-  numbers->SubjectivePoints(std::numeric_limits<Double>::denorm_min());
-  numbers->DefaultValue(1.0 / 3);
+  using Numbers = std::numeric_limits<Double>;
+  auto points = {0.1, -Numbers::infinity(), Numbers::quiet_NaN(), Numbers::denorm_min(), 1.0 / 3};
+  const Double* next = points.begin();
+#define SET_POINTS(member) numbers->member(*next++);
+  LMF_POINTS(SET_POINTS);
   lmf.Questions()->Item(2)->CorrectPoints(-0.0);
 }
 

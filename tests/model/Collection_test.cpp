@@ -69,57 +69,45 @@ TEST(Collection, AddRefusesBadKeysAndPlaces) {
   EXPECT_EQ(list.Count(), 3);
 }
 
-/// What a list is meant to do, in the plainest form: a walk for every key. What it refuses, it says with false.
-class Literal {
- public:
-  Long Count() const { return static_cast<Long>(entries_.size()); }
-  const String& Item(Long place) const { return entries_[static_cast<std::size_t>(place) - 1].first; }
-
-  /// From 1, or 0 where there is none.
-  Long Place(const TaggedValue& index) const {
-    if (const auto* key = index.As<String>()) {
-      const auto found =
-          std::find_if(entries_.begin(), entries_.end(),
-                       [small = SmallLetters(*key)](const Entry& entry) { return entry.second == small; });
-      return found == entries_.end() ? 0 : static_cast<Long>(found - entries_.begin()) + 1;
-    }
-    const Double place = std::nearbyint(NumberOf(index));
-    return place >= 1 && place <= Count() ? static_cast<Long>(place) : 0;
-  }
-  bool Add(const String& item, const TaggedValue& key, const TaggedValue& before, const TaggedValue& after) {
-    Long place = Count() + 1;
-    if (!before.IsMissing()) place = Place(before);
-    if (!after.IsMissing()) place = Place(after) == 0 || !before.IsMissing() ? 0 : Place(after) + 1;
-    const auto* text = key.As<String>();
-    if (place == 0 || (text != nullptr && Place(key) != 0)) return false;
-    entries_.insert(entries_.begin() + place - 1,
-                    {item, text == nullptr ? std::nullopt : std::optional(SmallLetters(*text))});
-    return true;
-  }
-  bool Remove(const TaggedValue& index) {
-    if (Place(index) == 0) return false;
-    entries_.erase(entries_.begin() + Place(index) - 1);
-    return true;
-  }
-
- private:
-  using Entry = std::pair<String, std::optional<String>>;  // with its key, if it has one
-
+// What a list is meant to do, in the plainest form: a walk for every key.
+struct Literal {
   static String SmallLetters(String text) {
     for (char16_t& unit : text) {
       if ((unit >= u'A' && unit <= u'Z') || unit == u'É') unit = static_cast<char16_t>(unit + 32);
     }
     return text;
   }
-
-  std::vector<Entry> entries_;
+  // From 1, or 0 where there is none.
+  Long Place(const TaggedValue& index) const {
+    const Double place = index.Is<String>() ? 0 : std::nearbyint(NumberOf(index));
+    if (!index.Is<String>()) return place >= 1 && place <= Count() ? static_cast<Long>(place) : 0;
+    const auto same = [key = SmallLetters(*index.As<String>())](const auto& entry) { return entry.second == key; };
+    const auto found = std::find_if(entries.begin(), entries.end(), same);
+    return found == entries.end() ? 0 : static_cast<Long>(found - entries.begin()) + 1;
+  }
+  Long Count() const { return static_cast<Long>(entries.size()); }
+  // What these two refuse, they say with false.
+  bool Add(const String& item, const TaggedValue& key, const TaggedValue& before, const TaggedValue& after) {
+    Long place = before.IsMissing() ? Count() + 1 : Place(before);
+    if (!after.IsMissing()) place = Place(after) == 0 || !before.IsMissing() ? 0 : Place(after) + 1;
+    if (place == 0 || (!key.IsMissing() && Place(key) != 0)) return false;
+    std::optional<String> small;
+    if (!key.IsMissing()) small = SmallLetters(*key.As<String>());
+    entries.insert(entries.begin() + place - 1, {item, small});
+    return true;
+  }
+  bool Remove(const TaggedValue& index) {
+    const Long place = Place(index);
+    if (place != 0) entries.erase(entries.begin() + place - 1);
+    return place != 0;
+  }
+  std::vector<std::pair<String, std::optional<String>>> entries;  // items with their keys
 };
 
 // Lists of some size, with keys that are often met, which grow and shrink in turns.
 TEST(Collection, BehavesAsALiteralList) {
   std::mt19937 random(35);
   const auto below = [&](Long limit) { return static_cast<Long>(random() % static_cast<unsigned>(limit)); };
-  const auto maybe = [&](Long part, const TaggedValue& value) { return below(part) == 0 ? value : Missing; };
   for (const Long size : {3, 5, 9, 20, 200}) {
     Collection list;
     Literal literal;
@@ -138,20 +126,18 @@ TEST(Collection, BehavesAsALiteralList) {
         // Short and long texts: the first stand in the item itself.
         const String item = (step % 3 == 0 ? u"a longer text " : u"") + Decimal(step);
         const TaggedValue filed = below(3) == 0 ? Missing : TaggedValue(key());
-        const TaggedValue before = maybe(3, index), after = maybe(5, index);
+        const TaggedValue before = below(3) == 0 ? index : Missing, after = below(5) == 0 ? index : Missing;
         ASSERT_EQ(Raised([&] { list.Add(item, filed, before, after); }) == 0,
                   literal.Add(item, filed, before, after))
             << step;
       }
       ASSERT_EQ(list.Count(), literal.Count()) << step;
       if (step % (size / 2) != 0) continue;
-      for (Long i = 1; i <= list.Count(); ++i) ASSERT_EQ(At(list, i), literal.Item(i)) << step;
-      for (Long kind = 0; kind < size * 2; ++kind) {
-        const String asked = u"KÉ" + Decimal(kind);
-        const TaggedValue* found = list.FindKey(asked);
-        const Long place = literal.Place(asked);
-        ASSERT_EQ(found == nullptr ? u"" : *found->As<String>(), place == 0 ? u"" : literal.Item(place)) << step;
+      for (Long i = 1; const auto& entry : literal.entries) {
+        ASSERT_EQ(At(list, i++), entry.first) << step;
+        ASSERT_TRUE(!entry.second || *list.FindKey(*entry.second)->As<String>() == entry.first) << step;
       }
+      ASSERT_EQ(list.FindKey(u"KÉ0") == nullptr, literal.Place(u"KÉ0") == 0) << step;
     }
   }
 }

@@ -47,6 +47,19 @@ TEST(DOMDocument, ListsAndMaps) {
   EXPECT_TRUE(none && none.get_length() == 0);
 }
 
+TEST(DOMDocument, KeepsPlacesOfElementsOnly) {
+  DOMDocument document;
+  for (const bool keep : {false, true}) {
+    document.KeepPlaces(keep);
+    ASSERT_TRUE(Load(document, "<a>\n \xC3\xA9<b c='d'/></a>"));
+    const IXMLDOMNode text = document.selectSingleNode(u"a").FirstChild(), b = text.NextSibling();
+    EXPECT_EQ(b.Line(), keep ? 2 : 0);
+    EXPECT_EQ(b.Column(), keep ? 3 : 0);
+    EXPECT_EQ(text.Line() + b.get_attributes().get_item(0).Column(), 0);
+    EXPECT_FALSE(b.FirstChild() || b.NextSibling());
+  }
+}
+
 std::string Utf16Bytes(StringView text, bool big) {
   std::string bytes;
   for (char16_t unit : text) {
