@@ -45,13 +45,6 @@ const std::map<std::string, Long> kObjectives = {{"learning", TORVATestImportObj
 
 constexpr char kLanguages[] = "en de fr es";
 
-// One of the words, in any case.
-CLI::CheckedTransformer OneOf(const std::map<std::string, Long>& words) {
-  CLI::CheckedTransformer check(words, CLI::ignore_case);
-  check.description("");  // the words stand in the help text
-  return check;
-}
-
 // The library takes names of files in UTF-8.
 std::string NameTrouble(const std::string& name) {
   if (name.empty()) return "the name of the file is empty";
@@ -92,7 +85,7 @@ class CommandLine {
     } catch (const CLI::ParseError& error) {
       return app_.exit(error) == 0 ? kDone : kWrongUsage;
     }
-    for (const Long kind : objectives_) options_.sheet.objectives |= kind;
+    for (const std::string& kind : objectives_) options_.sheet.objectives |= kObjectives.at(kind);
     if (!versionNames_.empty()) {
       for (const String& name : Split(FromUtf8(versionNames_), u",")) {
         options_.sheet.versionNames.push_back(ToUtf8(name));
@@ -125,7 +118,7 @@ class CommandLine {
         ->group(group);
     app_.add_option("--objectives", objectives_,
                     "Objectives to read: learning, local, state, national; repeatable")
-        ->transform(OneOf(kObjectives))
+        ->transform(CLI::IsMember(kObjectives, CLI::ignore_case).description(""))
         ->take_all()
         ->allow_extra_args(false)
         ->type_name("KIND")
@@ -191,7 +184,7 @@ class CommandLine {
   Options& options_;
   CLI::App app_{kDescription, "torva35"};
   std::vector<const std::string*> paths_;  // of the outputs
-  std::vector<Long> objectives_;
+  std::vector<std::string> objectives_;
   std::string versionNames_;
 };
 

@@ -262,9 +262,10 @@ TEST_F(Tool, LosesNothingWhereItCannotWrite) {
     EXPECT_EQ(Read("in.xml"), Sample()) << arguments;
     EXPECT_EQ(Read("old.csv"), "old") << arguments;
   }
-  for (const char* wrong : {"", "--no-such-option x.xml", "--objectives all x.xml", "--id-digits 0 x.xml",
-                            "--language xx x.xml", "- -", "--csv - --json - x.xml", "--save - x.xml",
-                            "--reader - x.xml", "--csv '' x.xml", "--list --csv x x.xml", "--state ohio x.xml"}) {
+  for (const char* wrong :
+       {"", "--no-such-option x.xml", "--objectives all x.xml", "--objectives 1 x.xml", "--id-digits 0 x.xml",
+        "--language xx x.xml", "- -", "--csv - --json - x.xml", "--save - x.xml", "--reader - x.xml",
+        "--csv '' x.xml", "--list --csv x x.xml", "--state ohio x.xml"}) {
     EXPECT_EQ(RunProgram(wrong).exitCode, 2) << wrong;
   }
   EXPECT_EQ(RunProgram("--help").exitCode, 0);
