@@ -37,6 +37,7 @@
 #include <stddef.h>
 #include <stdint.h>
 
+/** Exports the functions from the library, or imports them from it. */
 #if defined(_WIN32)
 #if defined(TORVA35_C_LIBRARY)
 #define TORVA35_C_API __declspec(dllexport)
@@ -84,34 +85,34 @@ typedef enum torva35_severity {
 
 /** Something that the teacher should know. The caller sets struct_size to sizeof(torva35_finding). */
 typedef struct torva35_finding {
-  size_t struct_size;
-  int32_t severity;  /**< a torva35_severity */
-  int32_t file;      /**< position among the files, from 0; -1: about no single file */
-  int64_t number;    /**< of the question on the paper, from 1; 0: about no single question */
-  int64_t line;      /**< in the file, from 1; 0: not known */
-  int64_t column;    /**< in the line, in characters from 1; 0: not known */
-  torva35_text kind; /**< a word that stays the same, such as "duplicate-id" */
-  torva35_text id;   /**< of the question */
-  torva35_text text; /**< one sentence in English */
+  size_t struct_size; /**< sizeof(torva35_finding) */
+  int32_t severity;   /**< a torva35_severity */
+  int32_t file;       /**< position among the files, from 0; -1: about no single file */
+  int64_t number;     /**< of the question on the paper, from 1; 0: about no single question */
+  int64_t line;       /**< in the file, from 1; 0: not known */
+  int64_t column;     /**< in the line, in characters from 1; 0: not known */
+  torva35_text kind;  /**< a word that stays the same, such as "duplicate-id" */
+  torva35_text id;    /**< of the question */
+  torva35_text text;  /**< one sentence in English */
 } torva35_finding;
 
 /** A question to the user. */
 typedef struct torva35_dialog {
-  size_t struct_size;
-  torva35_text title;
+  size_t struct_size;          /**< as the library knows it */
+  torva35_text title;          /**< of its window */
   torva35_text text;           /**< lines end with CR LF */
   torva35_text file;           /**< the name of the file that it is about; empty for the test as a whole */
   const torva35_text* buttons; /**< captions; "&" stands before the letter that chooses the button */
-  size_t button_count;
+  size_t button_count;         /**< how many captions there are */
 } torva35_dialog;
 
 /** How far the work is. */
 typedef struct torva35_progress {
-  size_t struct_size;
-  torva35_text step; /**< "reading", "checking", "merging" */
-  torva35_text file; /**< that is being read */
-  int64_t done;      /**< of total */
-  int64_t total;
+  size_t struct_size; /**< as the library knows it */
+  torva35_text step;  /**< "reading", "checking", "merging" */
+  torva35_text file;  /**< that is being read */
+  int64_t done;       /**< of total */
+  int64_t total;      /**< how many steps there are */
 } torva35_progress;
 
 /**
@@ -137,13 +138,13 @@ typedef struct torva35_options {
   size_t struct_size;                /**< sizeof(torva35_options) */
   torva35_text title;                /**< empty: that of the first file */
   const torva35_text* version_names; /**< one for each version; null: those of the files */
-  size_t version_name_count;
-  torva35_text state;    /**< two letters: the state whose objectives are read */
-  int64_t max_questions; /**< no more than the first ones; 0: all */
-  int32_t objectives;    /**< which are read, added up: 1 learning, 2 local, 4 state, 8 national; 0: none */
-  int32_t odd_only;      /**< not 0: even-numbered questions have the letters of odd-numbered ones */
-  int32_t renumber;      /**< not 0: rows have numbers without gaps, whatever the papers say */
-  int32_t reserved;      /**< 0 */
+  size_t version_name_count;         /**< how many names there are */
+  torva35_text state;                /**< two letters: the state whose objectives are read */
+  int64_t max_questions;             /**< no more than the first ones; 0: all */
+  int32_t objectives; /**< which are read, added up: 1 learning, 2 local, 4 state, 8 national; 0: none */
+  int32_t odd_only;   /**< not 0: even-numbered questions have the letters of odd-numbered ones */
+  int32_t renumber;   /**< not 0: rows have numbers without gaps, whatever the papers say */
+  int32_t reserved;   /**< 0 */
 } torva35_options;
 
 /** How the pages look. All zero but struct_size is a sheet in English without a grid. */
@@ -190,10 +191,13 @@ TORVA35_C_API torva35_code torva35_exam_make(torva35_exam* exam, const torva35_o
  * another one fails. A null handle has one, too. */
 TORVA35_C_API torva35_code torva35_exam_error(const torva35_exam* exam, torva35_text* text);
 
-/** How many there are; 0 before a sheet is made, and for a null handle. */
+/** How many findings there are; 0 before there is a result, and for a null handle. */
 TORVA35_C_API size_t torva35_exam_finding_count(const torva35_exam* exam);
+/** How many versions there are; 0 without a sheet, and for a null handle. */
 TORVA35_C_API size_t torva35_exam_version_count(const torva35_exam* exam);
+/** How many rows there are; likewise. */
 TORVA35_C_API size_t torva35_exam_row_count(const torva35_exam* exam);
+/** How many files for a sheet reader have been made; likewise. */
 TORVA35_C_API size_t torva35_exam_reader_file_count(const torva35_exam* exam);
 
 /** The torva35_severity of the worst finding; -1 when there is none, as for a null handle. With TORVA35_ERROR the
