@@ -90,6 +90,8 @@ if(TARGET torva35_c AND TARGET torva35_tool AND UNIX)
           FILES_MATCHING PATTERN "*.py" PATTERN py.typed PATTERN __pycache__ EXCLUDE)
   install(FILES ${PROJECT_BINARY_DIR}/python/METADATA
           DESTINATION ${torva35_python_dir}/torva35-${PROJECT_VERSION}.dist-info COMPONENT Python)
+  install(FILES ${PROJECT_SOURCE_DIR}/examples/convert_on_cluster.py
+          DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/doc/${torva35_package_Python}/examples COMPONENT Python)
   install(FILES ${torva35_docs}/python.md DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/doc/${torva35_package_Python}
           COMPONENT Python)
 endif()
