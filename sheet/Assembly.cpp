@@ -241,7 +241,10 @@ class Assembly {
     if (question.correct.empty()) {
       findings_.Add(Severity::kError, "no-key", source.file, question, Called(question) + " has no right answer");
     }
-    const auto choices = static_cast<int>(question.answers.size());
+    // A question that is only shown as true or false has the letters, and no answers of its own.
+    const auto choices = static_cast<int>(question.kind == TORVATestQuestionTypeMultipleChoice
+                                              ? question.answers.size()
+                                              : std::max(question.answers.size(), bubbles_[at].size()));
     for (const int correct : question.correct) {
       const bool there = correct >= 1 && correct <= static_cast<int>(bubbles_[at].size());
       const int bubble = there ? bubbles_[at][static_cast<std::size_t>(correct - 1)] : 0;

@@ -89,6 +89,9 @@ std::vector<Case> Cases() {
   names.versionNames = {"red", "blue"};
   return {
       {"Fine", {Exam(Choice("1", "B"))}, {}},
+      {"ShownAsTrueOrFalse",
+       {Exam("<question type='bi'><bi-display-mode value='tf'/><answer>F</answer></question>")},
+       {}},
       // Keys that nobody could meet.
       {"NoKey", {Exam(Choice("1", "") + TrueFalse("2", "maybe"))}, {"error no-key 1", "error no-key 2"}},
       {"BeyondChoices", {Exam(Choice("1", "A") + Choice("2", "D", 3))}, {"error beyond-choices 2"}},
