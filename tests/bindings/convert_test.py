@@ -102,18 +102,23 @@ def test_a_killed_worker_costs_its_file_only(folder, tmp_path, monkeypatch):
     assert statuses(report)["a.xml"] == ("done", False) and statuses(report)["below/b.XML"] == ("done", True)
 
 
-def test_a_killed_run_goes_on_where_it_was(tmp_path):
+@pytest.mark.parametrize("end", [signal.SIGKILL, signal.SIGINT])
+def test_a_run_that_was_broken_off_goes_on_where_it_was(tmp_path, end):
     source, out = tmp_path / "in", tmp_path / "out"
     source.mkdir()
     for number in range(300):
         (source / f"{number}.xml").write_bytes(SAMPLE)
     code = "import sys, torva35; torva35.convert(sys.argv[1], sys.argv[2], workers=2)"
-    process = subprocess.Popen([sys.executable, "-c", code, source, out])
+    process = subprocess.Popen([sys.executable, "-c", code, source, out], start_new_session=True, stderr=subprocess.DEVNULL)
     report = out / "report.jsonl"
     while process.poll() is None and not (report.exists() and report.read_bytes().count(b"\n") >= 10):
         time.sleep(0.001)
-    process.kill()
-    assert process.wait() == -signal.SIGKILL
+    if end == signal.SIGKILL:
+        process.kill()
+    else:
+        os.killpg(process.pid, end)  # as a terminal does, to its workers, too
+    assert process.wait() != 0
+    assert b'"killed"' not in report.read_bytes()
     (out / ".12-34.tmp").write_bytes(b"left by a killed process")
     again = torva35.convert(source, out)
     kept = sum(outcome.unchanged for outcome in again.outcomes.values())

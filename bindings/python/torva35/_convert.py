@@ -100,7 +100,7 @@ def run_job(job: Job, before: Optional[Outcome] = None) -> Outcome:
             path.parent.mkdir(parents=True, exist_ok=True)
             contents[format](path)
             outputs[job.name + ending] = path.stat().st_size
-    except (Exception, MemoryError) as error:
+    except Exception as error:
         return Outcome(job.name, "trouble", f"{type(error).__name__}: {error}", outputs=outputs)
     return Outcome(job.name, status, text, errors, warnings, outputs, digest)
 
@@ -262,6 +262,7 @@ class _Worker:
 
 def _work() -> None:
     """A worker's side."""
+    signal.signal(signal.SIGINT, signal.SIG_IGN)  # is for the one that waits for this process
     answers = sys.stdout.buffer
     answers.write(b"{}\n")
     answers.flush()
