@@ -81,11 +81,18 @@ TEST_F(Question, CopyNeedsEveryListButNotAllOfThem) {
   EXPECT_EQ(TakeFailures(), "91 clsTORVATestQuestion.Copy");
   // A set that cannot be copied reports that itself, and the question carries on with what it got.
   question->Answers(New<clsTORVATestStrings>());
-  for (Long i = 0; i <= 32767; ++i) question->CorrectAnswers()->Add(static_cast<Integer>(i));
+  const auto correct = question->CorrectAnswers();
+  for (Long i = 0; i <= 32767; ++i) correct->Add(static_cast<Integer>(i));
   const auto copy = question->Copy();
-  EXPECT_EQ(TakeFailures(), "6 clsTORVATestCorrect.Copy");
   ASSERT_NE(copy, nullptr);
   EXPECT_EQ(copy->CorrectAnswers(), nullptr);
+  EXPECT_FALSE(correct->RemoveAll() || correct->GetBitWiseRepresentation() != 0);
+  EXPECT_EQ(correct->Count(), 32768);
+  EXPECT_EQ(TakeFailures(),
+            "6 clsTORVATestCorrect.Copy, 6 clsTORVATestCorrect.RemoveAll, 6 "
+            "clsTORVATestCorrect.GetBitWiseRepresentation");
+  correct->Remove(1);
+  EXPECT_EQ(question->Copy()->CorrectAnswers()->Count(), 32767);
 }
 
 #define TEST_TEXTS(X) \

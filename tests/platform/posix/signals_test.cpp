@@ -77,13 +77,13 @@ TEST(FaultGuard, FaultOutsideAMemberEndsTheProcess) {
 #endif
     {SIGILL, faults::IllegalInstruction}
   };
-  for (const auto& [signal, cause] : rows) {
+  for (const auto& row : rows) {
     EXPECT_EQ(InGuardedChild([&] {
                 Member(faults::NullRead);
-                cause();
+                row.second();
                 return "lived on";
               }),
-              Ended(signal));
+              Ended(row.first));
   }
 }
 
