@@ -5,7 +5,10 @@ include(CMakePackageConfigHelpers)
 
 set(torva35_package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/TORVA35)
 
-set(torva35_installed torva35_static torva35_shared)
+set(torva35_installed torva35_static)
+if(TARGET torva35_shared)
+  list(APPEND torva35_installed torva35_shared)
+endif()
 if(TARGET torva35_sheet)
   list(APPEND torva35_installed torva35_sheet)
 endif()
@@ -16,7 +19,7 @@ install(TARGETS ${torva35_installed} EXPORT TORVA35Targets
         FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT Development
         INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 install(EXPORT TORVA35Targets NAMESPACE TORVA35:: DESTINATION ${torva35_package_dir} COMPONENT Development)
-if(TARGET torva35_c)
+if(TARGET torva35_c AND TORVA35_SHARED)
   # A set of its own: its hosts need nothing of what those of the C++ libraries do.
   install(TARGETS torva35_c EXPORT TORVA35CTargets
           RUNTIME COMPONENT RuntimeC
@@ -39,7 +42,7 @@ set(torva35_pc torva35.pc)
 if(TARGET torva35_sheet)
   list(APPEND torva35_pc torva35-sheet.pc)
 endif()
-if(TARGET torva35_c)
+if(TARGET torva35_c AND TORVA35_SHARED)
   list(APPEND torva35_pc torva35_c.pc)
 endif()
 foreach(pc IN LISTS torva35_pc)
@@ -53,7 +56,7 @@ set(torva35_soname ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR})
 set(torva35_components Runtime Development)
 set(torva35_package_Runtime libtorva35-${torva35_soname})
 set(torva35_package_Development libtorva35-dev)
-if(TARGET torva35_c)
+if(TARGET torva35_c AND TORVA35_SHARED)
   list(APPEND torva35_components RuntimeC)
   set(torva35_package_RuntimeC libtorva35-c${torva35_soname})
 endif()
@@ -126,7 +129,7 @@ set(torva35_debian_version ${PROJECT_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE})
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS
     "${torva35_package_Runtime} (= ${torva35_debian_version}), libexpat1-dev, zlib1g-dev")
-if(TARGET torva35_c)
+if(TARGET torva35_c AND TORVA35_SHARED)
   string(PREPEND CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS
          "${torva35_package_RuntimeC} (= ${torva35_debian_version}), ")
 endif()

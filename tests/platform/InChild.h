@@ -49,11 +49,30 @@ std::string InChild(Body body) {
 
 constexpr bool kWine = false;
 
+inline std::string NameOf(int signal) {
+  switch (signal) {
+    case SIGSEGV:
+      return "SIGSEGV";
+    case SIGBUS:
+      return "SIGBUS";
+    case SIGFPE:
+      return "SIGFPE";
+    case SIGILL:
+      return "SIGILL";
+    case SIGTRAP:
+      return "SIGTRAP";
+    case SIGKILL:
+      return "SIGKILL";
+    default:
+      return "signal " + std::to_string(signal);
+  }
+}
+
 /// How a process ends that nobody saves from a signal. A sanitizer's handler, which is the one that was there
 /// before the library's, reports the fault and leaves.
 inline std::string Ended(int signal) {
   if (kSanitized && signal != SIGTRAP && signal != SIGILL) return "ended by the sanitizer";
-  return std::string("ended by SIG") + sigabbrev_np(signal);
+  return "ended by " + NameOf(signal);
 }
 
 /// Runs `body` in a child process and gives the text that it returns, or else how the child ended.
@@ -76,7 +95,7 @@ std::string InChild(Body body) {
   close(pipeEnds[0]);
   int status = 0;
   waitpid(child, &status, 0);
-  if (WIFSIGNALED(status)) return std::string("ended by SIG") + sigabbrev_np(WTERMSIG(status));
+  if (WIFSIGNALED(status)) return "ended by " + NameOf(WTERMSIG(status));
   if (WEXITSTATUS(status) != 0) return kSanitized ? "ended by the sanitizer" : "ended early";
   return text;
 }

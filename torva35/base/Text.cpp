@@ -213,9 +213,9 @@ String Fold(StringView text) {
 }
 
 std::size_t HashNoCase::operator()(StringView text) const noexcept {
-  std::size_t hash = 0xcbf29ce484222325;
+  std::uint64_t hash = 0xcbf29ce484222325;
   for (char16_t unit : text) hash = (hash ^ FoldUnit(unit)) * 0x100000001b3;
-  return hash ^ hash >> 32;
+  return static_cast<std::size_t>(hash ^ hash >> 32);
 }
 
 bool EqualNoCase(StringView left, StringView right) {

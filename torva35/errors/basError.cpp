@@ -1,6 +1,5 @@
 #include "torva35/errors/basError.h"
 
-#include <bit>
 #include <new>
 #include <utility>
 
@@ -108,8 +107,8 @@ TaggedValue MsgBoxEx(String sTitle, String sText, Long lStyle, TaggedValue vOwne
   try {
     RunGuarded([&] {
       HasMsgBoxEx& box = Bind<HasMsgBoxEx>(host, at);
-      reply = (box.*std::bit_cast<ByAddress>(&HasMsgBoxEx::MsgBoxEx))(sTitle, sText, lStyle, vOwner, sButton1,
-                                                                      vButton2);
+      reply =
+          (box.*MethodAs<ByAddress>(&HasMsgBoxEx::MsgBoxEx))(sTitle, sText, lStyle, vOwner, sButton1, vButton2);
     });
   } catch (...) {
     // What a host raises there is of the statement that shows the dialog.

@@ -48,6 +48,11 @@
 ///  to
 ///    an in-page error.
 ///
+/// In WebAssembly there is nothing to come back from, and nothing is raised: a null pointer reads and writes what
+/// lies at address 0, and a division by zero, an access beyond the memory, an overflowing stack and an instruction
+/// that is not allowed end all that runs in the module, past every handler of C++. A host makes a new module then,
+/// since the old one stays in the middle of its work. A filter is kept and never called.
+///
 /// What a port owes: all of the above that is no system's own; the codes of the table in `modvbCodeShieldSupport`;
 /// two faults in a row, and on two threads, like the first.
 namespace TORVA35 {

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <memory>
 #include <new>
 #include <utility>
@@ -110,6 +110,16 @@ T& Ask(const Kept<T>& reference, CallSite at = CallSite::Current()) {
 }
 ///@}
 
+/// The method under another type, which has to be one that the binary interface calls the same way. (Not every
+/// standard library has `std::bit_cast`.)
+template <class To, class From>
+To MethodAs(From method) noexcept {
+  static_assert(sizeof(To) == sizeof(From));
+  To as;
+  std::memcpy(&as, &method, sizeof as);
+  return as;
+}
+
 /// Calls a method whose first argument is a reference by value, and releases the argument should the method fault.
 ///
 /// Such an argument lives in the caller's frame, which a fault abandons. The C++ ABI of all our compilers passes
@@ -120,8 +130,8 @@ Result HandOver(Host& host, Result (Class::*method)(Ref<Item>, Rest...), const H
   using ByAddress = Result (Class::*)(Ref<Item>&, Rest...);
   const Kept<Item> argument(kept::Shared(item));
   Ref<Item> nothing;
-  return (host.*std::bit_cast<ByAddress>(method))(argument ? argument.InPlace() : nothing,
-                                                  std::forward<Values>(rest)...);
+  return (host.*MethodAs<ByAddress>(method))(argument ? argument.InPlace() : nothing,
+                                             std::forward<Values>(rest)...);
 }
 
 }  // namespace TORVA35
