@@ -225,7 +225,7 @@ TEST_F(LmfImport, FileAndTitle) {
   const Folder folder;
   const auto load = [&](const String& name) {
     // On Windows a "\\" stands after a folder.
-    const std::filesystem::path path(FromUtf8(folder.path) + u"/" + name);
+    const std::filesystem::path path = std::filesystem::path(FromUtf8(folder.path)) / name;
     std::filesystem::create_directories(path.parent_path());
     return lmf->Save(path.u16string()) && test->LoadLMF(path.u16string());
   };
