@@ -3,7 +3,7 @@
 namespace TORVA35 {
 namespace {
 
-class MergeForm : public MergeTest {};
+class clsTORVAMergeTest : public MergeTest {};
 
 const String kInvalidMerge = u"An error occurred merging the test with the specified template. ";
 
@@ -16,7 +16,7 @@ const String kDescribed =
     u"Difficulty: Difficulty\nReference: Reference\nTopic: Topic\nKeywords: Keywords\nMiscellaneous: "
     u"Miscellaneous\nNotes: Notes\n";
 
-TEST_F(MergeForm, ChecksChangeNothing) {
+TEST_F(clsTORVAMergeTest, ChecksChangeNothing) {
   const auto form = Form({{Field(2, true, kFive)}}), out = Form({{Field(1, true, kFive)}});
   engine->MIVLMF()->Notes(u"kept");
   engine->TemplateOut(out);
@@ -51,7 +51,7 @@ TEST_F(MergeForm, ChecksChangeNothing) {
   EXPECT_EQ(TakeFailures(), "91 clsTORVA.Merge");
 }
 
-TEST_F(MergeForm, TakesTestQuestionsByPosition) {
+TEST_F(clsTORVAMergeTest, TakesTestQuestionsByPosition) {
   const auto second = Question(u"2", TORVATestQuestionTypeMultipleChoice, 3, {3, 1});
   second->CorrectPoints(9);
   Describe(*second);
@@ -85,7 +85,7 @@ TEST_F(MergeForm, TakesTestQuestionsByPosition) {
           u"CorrectValues: 1 (3,1)\nFlags: 0\n");
 }
 
-TEST_F(MergeForm, AFieldThatIsNoChoiceFieldKeepsItsLabels) {
+TEST_F(clsTORVAMergeTest, AFieldThatIsNoChoiceFieldKeepsItsLabels) {
   const auto form = Form({{Field(1, true, kFive), Field(1, false, kFive)}});
   FieldOf(form, 1, 1)->Questions()->Item(1)->Multiples(7);
   for (const auto& [fieldClass, type, rewritten] :
@@ -102,7 +102,7 @@ TEST_F(MergeForm, AFieldThatIsNoChoiceFieldKeepsItsLabels) {
   }
 }
 
-TEST_F(MergeForm, ScaleByPositionOnceThereAreVersions) {
+TEST_F(clsTORVAMergeTest, ScaleByPositionOnceThereAreVersions) {
   const auto test =
       Test({Choice(u"1", 1, 2), Choice(u"2", 1, 2), Question(u"3", TORVATestQuestionTypeTrueFalse, 2)});
   test->MultipleChoiceEvenScale()->Item(1, u"F");
@@ -122,7 +122,7 @@ TEST_F(MergeForm, ScaleByPositionOnceThereAreVersions) {
   EXPECT_EQ(Joined(*OutQuestion(1, 1, 1)->Labels()), u"A|B");
 }
 
-TEST_F(MergeForm, ObjectivesAreEnteredOnceAndFlagged) {
+TEST_F(clsTORVAMergeTest, ObjectivesAreEnteredOnceAndFlagged) {
   const auto test = Test({Choice(u"1"), Choice(u"2"), Subjective(u"3")});
   for (Long i = 1; const char16_t* texts : {u"Alpha\tALPHA", u"beta\talpha", u"Gamma\t(All Questions)"}) {
     test->Questions()->Item(i++)->LearningObjectives()->AddDelimitedString(texts);
@@ -135,7 +135,7 @@ TEST_F(MergeForm, ObjectivesAreEnteredOnceAndFlagged) {
   EXPECT_EQ(found, u"(All Questions)|Alpha|beta|Gamma|(All Questions)| 00000 01000 01100 00011");
 }
 
-TEST_F(MergeForm, SurplusGradedQuestionsAreSwitchedOffFromTheEnd) {
+TEST_F(clsTORVAMergeTest, SurplusGradedQuestionsAreSwitchedOffFromTheEnd) {
   const auto form =
       Form({{Field(3, true, kFive, 7), Field(1, true, kFive)}, {Field(2, true, kFive), Field(1, false, {})}});
   engine->SequenceQuestion(7);
@@ -154,7 +154,7 @@ TEST_F(MergeForm, SurplusGradedQuestionsAreSwitchedOffFromTheEnd) {
   EXPECT_EQ(engine->SequenceQuestion(), 3);
 }
 
-TEST_F(MergeForm, OfAGroupOnlyTheFirstFieldIsMerged) {
+TEST_F(clsTORVAMergeTest, OfAGroupOnlyTheFirstFieldIsMerged) {
   const auto form =
       Form({{Field(1, true, kFive, 1), Field(1, false, kFive, 1), Field(1, true, kFive), Field(1, false, {}, 1)},
             {Field(1, false, {}, 1), Field(1, true, kFive, 8)}});
@@ -169,7 +169,7 @@ TEST_F(MergeForm, OfAGroupOnlyTheFirstFieldIsMerged) {
   EXPECT_EQ(engine->MIVLMF()->Questions()->Count(), 1);
 }
 
-TEST_F(MergeForm, EndsAtAQuestionThatDoesNotFit) {
+TEST_F(clsTORVAMergeTest, EndsAtAQuestionThatDoesNotFit) {
   const auto form = Form({{Field(2, true, {u"1", u"2", u"3"})}});
   FieldOf(form, 1, 1)->Name(u"Block");
   EXPECT_FALSE(Merge({Test({Choice(u"1"), Choice(u"2", 1, 4)})}, form));
@@ -187,7 +187,7 @@ TEST_F(MergeForm, EndsAtAQuestionThatDoesNotFit) {
   EXPECT_EQ(engine->MIVLMF()->Questions()->Count(), 1);
 }
 
-TEST_F(MergeForm, SubjectiveQuestionsBecomeFieldsOfTheLastPage) {
+TEST_F(clsTORVAMergeTest, SubjectiveQuestionsBecomeFieldsOfTheLastPage) {
   const auto essay = Subjective(u"3");
   essay->SubjectivePoints(2.5f);
   Describe(*essay);

@@ -16,7 +16,7 @@ String LongText(StringView name, std::size_t kept = 0) {
 #define SET_LONG(member) to.member(LongText(u"" #member));
 #define TEXT(member) texts.push_back(of.member());
 
-class Question : public HostTest {
+class clsTORVATestQuestionTest : public HostTest {
  protected:
   static std::vector<String> Texts(const clsTORVATestQuestion& of) {
     std::vector<String> texts = {of.QuestionText(), of.ID()};
@@ -32,7 +32,7 @@ class Question : public HostTest {
   Ref<clsTORVATestQuestion> question = New<clsTORVATestQuestion>();
 };
 
-TEST_F(Question, TextsAreCutAndACopySharesNothing) {
+TEST_F(clsTORVATestQuestionTest, TextsAreCutAndACopySharesNothing) {
   EXPECT_EQ(Settings(*question), u"1 0 0 0 True -1   ");
   EXPECT_EQ(Texts(*question), std::vector<String>(8));
   clsTORVATestQuestion& to = *question;
@@ -64,7 +64,7 @@ TEST_F(Question, TextsAreCutAndACopySharesNothing) {
   EXPECT_FALSE(copy->LearningObjectives()->Exists(u"key"));
 }
 
-TEST_F(Question, MultiplesPermitted) {
+TEST_F(clsTORVATestQuestionTest, MultiplesPermitted) {
   question->CorrectAnswers()->Add(1);
   EXPECT_FALSE(question->MultiplesPermitted());
   question->CorrectAnswers()->Add(5);
@@ -75,7 +75,7 @@ TEST_F(Question, MultiplesPermitted) {
   EXPECT_EQ(Raised([&] { question->MultiplesPermitted(); }), kNothing);
 }
 
-TEST_F(Question, CopyNeedsEveryListButNotAllOfThem) {
+TEST_F(clsTORVATestQuestionTest, CopyNeedsEveryListButNotAllOfThem) {
   question->Answers(nullptr);
   EXPECT_EQ(question->Copy(), nullptr);
   EXPECT_EQ(TakeFailures(), "91 clsTORVATestQuestion.Copy");
@@ -98,7 +98,7 @@ TEST_F(Question, CopyNeedsEveryListButNotAllOfThem) {
 #define TEST_TEXTS(X) \
   X(Title) X(Version) X(Notes) X(CreatedBy) X(TeacherID) X(Description) X(ID) X(StateAbbreviation)
 
-class Test : public HostTest {
+class clsTORVATestTest : public HostTest {
  protected:
   Ref<clsTORVATestQuestion> AddQuestion(const String& id) {
     const auto question = New<clsTORVATestQuestion>();
@@ -143,7 +143,7 @@ class Test : public HostTest {
   Ref<clsTORVATest> test = New<clsTORVATest>();
 };
 
-TEST_F(Test, ClearLeavesScalesAndSettings) {
+TEST_F(clsTORVATestTest, ClearLeavesScalesAndSettings) {
   EXPECT_EQ(Settings(*test), u"0 0 False 0 0 0 ABCD ABCD TF YN");
   SetEverything();
   EXPECT_EQ(Texts(*test), cut);
@@ -164,7 +164,7 @@ TEST_F(Test, ClearLeavesScalesAndSettings) {
   EXPECT_EQ(Texts(*test), cut);
 }
 
-TEST_F(Test, CopySharesNothing) {
+TEST_F(clsTORVATestTest, CopySharesNothing) {
   SetEverything();
   const auto copy = test->Copy();
   test->Clear();
@@ -178,7 +178,7 @@ TEST_F(Test, CopySharesNothing) {
   EXPECT_EQ(copy->Sequences()->Item(u"b")->Order()->Item(u"X"), 1);
 }
 
-TEST_F(Test, CopyGoesOnAfterAPartThatCouldNotBeCopied) {
+TEST_F(clsTORVATestTest, CopyGoesOnAfterAPartThatCouldNotBeCopied) {
   AddQuestion(u"X")->Answers(nullptr);
   AddQuestion(u"Y");
   test->Sequences()->AddDefault(test->Questions());
@@ -197,7 +197,7 @@ TEST_F(Test, CopyGoesOnAfterAPartThatCouldNotBeCopied) {
   EXPECT_EQ(TakeFailures(), ofQuestions + "91 clsTORVATestSequence.Copy, 91 clsTORVATestSequences.Add");
 }
 
-TEST_F(Test, CopyNeedsEveryPart) {
+TEST_F(clsTORVATestTest, CopyNeedsEveryPart) {
   test->YesNoScale(nullptr);
   EXPECT_EQ(test->Copy(), nullptr);
   test->YesNoScale(New<clsTORVATestStrings>());
@@ -206,7 +206,7 @@ TEST_F(Test, CopyNeedsEveryPart) {
   EXPECT_EQ(TakeFailures(), "91 clsTORVATest.Copy, 91 clsTORVATest.Copy");
 }
 
-TEST_F(Test, NumObjectivesIsASumOverAllQuestions) {
+TEST_F(clsTORVATestTest, NumObjectivesIsASumOverAllQuestions) {
   AddQuestion(u"X");
   AddQuestion(u"Y")->LearningObjectives()->Add(u"another");
   EXPECT_EQ(test->NumObjectives(), 3);
@@ -215,7 +215,7 @@ TEST_F(Test, NumObjectivesIsASumOverAllQuestions) {
   EXPECT_EQ(TakeFailures(), "91 clsTORVATest.NumObjectives");
 }
 
-TEST_F(Test, SetErrorHoldsForAllObjects) {
+TEST_F(clsTORVATestTest, SetErrorHoldsForAllObjects) {
   const auto second = New<Recorder>();
   EXPECT_TRUE(test->SetError(second));
   New<clsTORVATestStrings>()->AddArray({});

@@ -34,9 +34,9 @@ class ListTest : public HostTest {
   Ref<List> list = Inside::New<List>();
 };
 
-using Strings = ListTest<clsTORVATestStrings>;
+using clsTORVATestStringsTest = ListTest<clsTORVATestStrings>;
 
-TEST_F(Strings, AddCutsAndReportsAKeyInUseAndAMissingPlace) {
+TEST_F(clsTORVATestStringsTest, AddCutsAndReportsAKeyInUseAndAMissingPlace) {
   EXPECT_TRUE(list->Add(String(60, u'a'), u"Key"));
   EXPECT_TRUE(list->Add(u"one", Missing, u"KEY"));
   EXPECT_TRUE(list->Add(u"two", Missing, Missing, 1));
@@ -51,7 +51,7 @@ TEST_F(Strings, AddCutsAndReportsAKeyInUseAndAMissingPlace) {
   EXPECT_EQ(list->Copy()->Item(1), String(50, u'b'));
 }
 
-TEST_F(Strings, FromAndToArraysAndDelimitedTexts) {
+TEST_F(clsTORVATestStringsTest, FromAndToArraysAndDelimitedTexts) {
   EXPECT_TRUE(list->AsArray(kLargest).IsEmpty());
   EXPECT_FALSE(list->AddDelimitedString(u""));
   EXPECT_TRUE(list->AddDelimitedString(u"A\tB\t"));
@@ -68,7 +68,7 @@ TEST_F(Strings, FromAndToArraysAndDelimitedTexts) {
   EXPECT_EQ(list->AsString(u""), u"ABC\tDEFG");
 }
 
-TEST_F(Strings, ReplacingKeepsThePlaceAndLosesTheKey) {
+TEST_F(clsTORVATestStringsTest, ReplacingKeepsThePlaceAndLosesTheKey) {
   for (const char16_t* key : {u"k1", u"k2", u"k3"}) list->Add(key, key);
   list->Item(u"K2", u"TWO");
   list->Item(2.6, u"THREE");
@@ -84,7 +84,7 @@ TEST_F(Strings, ReplacingKeepsThePlaceAndLosesTheKey) {
 }
 
 // One of an empty text has none.
-TEST_F(Strings, CopyGoesThroughText) {
+TEST_F(clsTORVATestStringsTest, CopyGoesThroughText) {
   const std::pair<std::vector<String>, String> rows[] = {
       {{u"a\tb", u""}, u"a|b|"}, {{u"c", u""}, u"c|"}, {{u""}, u""}, {{u"", u"d"}, u"|d"}};
   for (const auto& [texts, copied] : rows) {
@@ -99,7 +99,7 @@ TEST_F(Strings, CopyGoesThroughText) {
 
 using Numbered = std::vector<Integer>;
 
-class Correct : public ListTest<clsTORVATestCorrect> {
+class clsTORVATestCorrectTest : public ListTest<clsTORVATestCorrect> {
  protected:
   void Fill(const Numbered& numbers) {
     EXPECT_TRUE(list->RemoveAll());
@@ -107,7 +107,7 @@ class Correct : public ListTest<clsTORVATestCorrect> {
   }
 };
 
-TEST_F(Correct, RefusesANumberTwiceWithoutAReport) {
+TEST_F(clsTORVATestCorrectTest, RefusesANumberTwiceWithoutAReport) {
   Fill({3, 1});
   EXPECT_FALSE(list->Add(3, 9));  // found before the place is looked at
   EXPECT_TRUE(list->Add(-15, 1));
@@ -121,7 +121,7 @@ TEST_F(Correct, RefusesANumberTwiceWithoutAReport) {
   EXPECT_TRUE(copy->Exists(u"-15"));
 }
 
-TEST_F(Correct, AStringIsANumberAndANumberIsAPosition) {
+TEST_F(clsTORVATestCorrectTest, AStringIsANumberAndANumberIsAPosition) {
   Fill({3, 1});
   EXPECT_TRUE(list->Exists(2));
   EXPECT_EQ(list->Item(2), 1);
@@ -133,7 +133,7 @@ TEST_F(Correct, AStringIsANumberAndANumberIsAPosition) {
   EXPECT_EQ(list->Count(), 0);
 }
 
-TEST_F(Correct, ANumberOrPositionBeyondSixteenBitsIsAnOverflow) {
+TEST_F(clsTORVATestCorrectTest, ANumberOrPositionBeyondSixteenBitsIsAnOverflow) {
   for (const AnyWhole wide :
        {AnyWhole(65538), AnyWhole(-32769), AnyWhole(std::numeric_limits<std::uint64_t>::max())}) {
     EXPECT_FALSE(list->Add(wide));
@@ -145,7 +145,7 @@ TEST_F(Correct, ANumberOrPositionBeyondSixteenBitsIsAnOverflow) {
   static_assert(!std::is_convertible_v<char16_t, AnyWhole> && !std::is_convertible_v<Double, AnyWhole>);
 }
 
-TEST_F(Correct, AsTheBitsOfANumber) {
+TEST_F(clsTORVATestCorrectTest, AsTheBitsOfANumber) {
   const std::tuple<Numbered, Long, std::string> rows[] = {
       {{}, 0, ""},
       {{3, 1}, 5, ""},
@@ -192,7 +192,7 @@ Ref<clsTORVATestQuestions> QuestionsOf(StringView ids) {
   return questions;
 }
 
-class Questions : public ListTest<clsTORVATestQuestions> {
+class clsTORVATestQuestionsTest : public ListTest<clsTORVATestQuestions> {
  protected:
   // The IDs, and for each where the first question with it stands.
   static String Positions(const Ref<clsTORVATestQuestions>& of) {
@@ -202,7 +202,7 @@ class Questions : public ListTest<clsTORVATestQuestions> {
   }
 };
 
-TEST_F(Questions, AreFiledUnderTheIDTheyHadThen) {
+TEST_F(clsTORVATestQuestionsTest, AreFiledUnderTheIDTheyHadThen) {
   const auto question = Question(u"a");
   EXPECT_TRUE(list->Add(question));
   EXPECT_TRUE(list->Add(Question(u"b"), 1));
@@ -220,7 +220,7 @@ TEST_F(Questions, AreFiledUnderTheIDTheyHadThen) {
   EXPECT_EQ(Positions(list), u"b12z3z3");
 }
 
-TEST_F(Questions, RemovalEmptiesTwoListsOfTheQuestion) {
+TEST_F(clsTORVATestQuestionsTest, RemovalEmptiesTwoListsOfTheQuestion) {
   const auto removed = Question(u"a"), broken = Question(u"b");
   broken->Answers(nullptr);
   for (const auto& question : {removed, broken, Question(u"c")}) list->Add(question);
@@ -237,7 +237,7 @@ TEST_F(Questions, RemovalEmptiesTwoListsOfTheQuestion) {
   EXPECT_TRUE(list->RemoveAll());
 }
 
-TEST_F(Questions, TypeCount) {
+TEST_F(clsTORVATestQuestionsTest, TypeCount) {
   for (const Long type : {1, 3, 0, 3, 99}) list->Add(Question(Decimal(list->Count()), type));
   EXPECT_EQ(list->TypeCount(TORVATestQuestionTypeMultipleChoice), 2);
   EXPECT_EQ(list->TypeCount(0), 1);
@@ -245,7 +245,7 @@ TEST_F(Questions, TypeCount) {
 }
 
 // IDs change without the list's doing, and in one that other lists hold, too.
-TEST_F(Questions, PositionOfIDFollowsEveryChange) {
+TEST_F(clsTORVATestQuestionsTest, PositionOfIDFollowsEveryChange) {
   EXPECT_EQ(Inside::PositionOfID(*list, u"a"), 0);
   list = QuestionsOf(u"bac");
   auto other = QuestionsOf(u"C");
@@ -285,14 +285,14 @@ Ref<clsTORVATestSequence> Version(const String& answer, StringView ids = u"") {
   return version;
 }
 
-class SequenceOrder : public ListTest<clsTORVATestSequenceOrder> {
+class clsTORVATestSequenceOrderTest : public ListTest<clsTORVATestSequenceOrder> {
  protected:
-  SequenceOrder() { list = version->Order(); }
+  clsTORVATestSequenceOrderTest() { list = version->Order(); }
 
   const Ref<clsTORVATestSequence> version = Version(u"A", u"ZXY");
 };
 
-TEST_F(SequenceOrder, CountsItsEntries) {
+TEST_F(clsTORVATestSequenceOrderTest, CountsItsEntries) {
   EXPECT_EQ(list->Item(u"z"), 1);
   EXPECT_EQ((*version)[u"X"], 2);
   EXPECT_EQ(list->Item(2.5), 2);
@@ -311,7 +311,7 @@ TEST_F(SequenceOrder, CountsItsEntries) {
   EXPECT_TRUE(list->AsArray().IsEmpty());
 }
 
-TEST_F(SequenceOrder, CopyTakesTheIDsAtTheStoredPositions) {
+TEST_F(clsTORVATestSequenceOrderTest, CopyTakesTheIDsAtTheStoredPositions) {
   for (const Long left : {3, 2}) {
     const auto copy = version->Copy(QuestionsOf(u"XYZ"));
     EXPECT_EQ(copy->Answer(), u"A");
@@ -328,9 +328,9 @@ TEST_F(SequenceOrder, CopyTakesTheIDsAtTheStoredPositions) {
   EXPECT_EQ(Version(u"B")->Copy(nullptr)->Order()->Count(), 0);
 }
 
-using Sequences = ListTest<clsTORVATestSequences>;
+using clsTORVATestSequencesTest = ListTest<clsTORVATestSequences>;
 
-TEST_F(Sequences, AreFiledUnderTheAnswerTheyHadThen) {
+TEST_F(clsTORVATestSequencesTest, AreFiledUnderTheAnswerTheyHadThen) {
   const auto version = Version(String(60, u'a'));
   EXPECT_TRUE(list->Add(version));
   version->Answer(u"B");
@@ -345,7 +345,7 @@ TEST_F(Sequences, AreFiledUnderTheAnswerTheyHadThen) {
   EXPECT_TRUE(list->RemoveAll());
 }
 
-TEST_F(Sequences, AddDefaultTakesTheOrderOfTheQuestions) {
+TEST_F(clsTORVATestSequencesTest, AddDefaultTakesTheOrderOfTheQuestions) {
   const auto questions = QuestionsOf(u"XYWZ");
   questions->Item(3)->ID(u"x");
   EXPECT_TRUE(list->AddDefault(questions));
@@ -362,9 +362,9 @@ TEST_F(Sequences, AddDefaultTakesTheOrderOfTheQuestions) {
   EXPECT_TRUE(list->Exists(u""));
 }
 
-using Tests = ListTest<clsTORVATests>;
+using clsTORVATestsTest = ListTest<clsTORVATests>;
 
-TEST_F(Tests, ReportAMissOnlyOfARemoval) {
+TEST_F(clsTORVATestsTest, ReportAMissOnlyOfARemoval) {
   const auto first = New<clsTORVATest>(), second = New<clsTORVATest>(), third = New<clsTORVATest>();
   list->Add(second, u"Two");
   list->Add(first, Missing, u"TWO");
