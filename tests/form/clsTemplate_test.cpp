@@ -84,7 +84,7 @@ TEST(clsTemplate, APartCountsInTheFormToWhichItWasAddedLast) {
 TEST(clsTemplate, CountsAndNames) {
   clsTemplate form;
   EXPECT_EQ(form.QuestionNames(1, form.QuestionCount(), 0, u"\t", 0), Array<String>());
-  form.Pages()->Add(Page({Field(7, 2), Field(7, 1)}));
+  EXPECT_TRUE(form.Pages()->Add(Page({Field(7, 2), Field(7, 1)})));
   for (Long q : {1, 2}) {
     FieldOf(form, 1)->Questions()->Item(q)->Name(u"Q" + Decimal(q));
     FieldOf(form, 1)->Questions()->Item(q)->Graded(true);
