@@ -56,7 +56,7 @@ class Recorder : public ErrorObject {
     return reply;
   }
 
-  // Number and location. The library's name is left out in front of the location; where it is missing is a "!".
+  // Number and location. The library's name is left out before the location; where it is missing is a "!".
   std::vector<std::string> failures;
   std::vector<Long> lines;  // of the failures, 0 where none is known
   std::vector<Dialog> dialogs;

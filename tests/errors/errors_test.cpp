@@ -259,7 +259,7 @@ class Faulty : public std::exception {
   }
 };
 
-// The host's code runs behind the member's boundary, too.
+// The host's code runs within the member's boundary, too.
 TEST_F(basErrorTest, FaultsWhileReportingAreContained) {
   EXPECT_EQ(
       InChild([&] {

@@ -21,7 +21,7 @@ TEST(clsLmf, ObjectivesHaveOneBuiltInEntryAndKeysWithoutCase) {
   lmf.Prepare();
   ASSERT_EQ(objectives->Count(), 2);
   EXPECT_EQ(objectives->Item(1)->Text(), u"(All Questions)");
-  EXPECT_EQ(objectives->KeyOf(2), u"first");  // moved behind the built-in one
+  EXPECT_EQ(objectives->KeyOf(2), u"first");  // moved after the built-in one
   EXPECT_FALSE(objectives->Exists(u"(All Questions)"));
 
   objectives->Add(Objective(u"Été"), u"Été");
@@ -100,7 +100,7 @@ TEST(clsLmf, ListsOfQuestionsAndSequences) {
   EXPECT_EQ(Raised([&] { sequences->AddDefault(-1); }), kInvalidCall);
   sequences->Add(New<clsLmfSequence>());
   sequences->Item(1)->SetOrder(Array<Long>(1, {3, 1, 2}));
-  EXPECT_TRUE(sequences->AddDefault(2));  // in front
+  EXPECT_TRUE(sequences->AddDefault(2));  // before the others
   EXPECT_EQ(Joined(*sequences->Item(1)) + u" " + Joined(*sequences->Item(2)), u"1|2 3|1|2");
   EXPECT_EQ(Raised([&] { sequences->Item(1)->Item(3); }), kSubscriptOutOfRange);
 }

@@ -37,7 +37,7 @@ TEST(DOMDocument, ListsAndMaps) {
   const auto attributes = third.get_attributes();
   EXPECT_EQ(attributes.get_length(), 2);
   EXPECT_EQ(*attributes.getNamedItem(u"x:y:z").get_nodeValue().As<String>(), u"4");
-  EXPECT_EQ(attributes.get_item(1).get_baseName(), u"y:z");  // behind the first colon
+  EXPECT_EQ(attributes.get_item(1).get_baseName(), u"y:z");  // after the first colon
   EXPECT_FALSE(attributes.getNamedItem(u"N") || attributes.get_item(2));
   const IXMLDOMNodeList children = first.get_childNodes();
   EXPECT_EQ(children.get_item(1).get_nodeName(), u"q");
@@ -251,7 +251,7 @@ TEST(DOMDocument, DeclaredAttributesAreLimited) {
   EXPECT_FALSE(Load(document, WithDefaults(long1000, 8'389)));
   EXPECT_EQ(document.parseError().reason, u"too much from declared attributes");
   EXPECT_EQ(document.parseError().line, 8'390);
-  EXPECT_EQ(document.parseError().column, 4);  // behind the tag
+  EXPECT_EQ(document.parseError().column, 4);  // after the tag
   EXPECT_TRUE(Load(document, "<!--" + std::string(1 << 20, ' ') + "-->" + WithDefaults(long1000, 8'389)));
   EXPECT_FALSE(Load(document, WithDefaults(empty, 2'000)));
   EXPECT_FALSE(Load(document, WithDefaults(implied, 1)));
