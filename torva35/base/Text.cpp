@@ -214,11 +214,14 @@ String Fold(StringView text) {
 
 std::size_t HashNoCase::operator()(StringView text) const noexcept {
   std::uint64_t hash = 0xcbf29ce484222325;
-  for (char16_t unit : text) hash = (hash ^ FoldUnit(unit)) * 0x100000001b3;
+  for (char16_t unit : text) hash = (hash ^ (unit < 0x80 ? LowerAscii(unit) : FoldUnit(unit))) * 0x100000001b3;
   return static_cast<std::size_t>(hash ^ hash >> 32);
 }
 
 bool EqualNoCase(StringView left, StringView right) {
+  if (left.size() != right.size()) return false;
+  // Most that are looked for are there as they stand.
+  if (std::memcmp(left.data(), right.data(), left.size() * sizeof(char16_t)) == 0) return true;
   return std::equal(left.begin(), left.end(), right.begin(), right.end(),
                     [](char16_t l, char16_t r) { return l == r || FoldUnit(l) == FoldUnit(r); });
 }

@@ -1,9 +1,7 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdint>
 #include <utility>
-#include <vector>
 
 #include "torva35/base/CallSite.h"
 #include "torva35/base/Export.h"
@@ -13,36 +11,27 @@
 
 namespace TORVA35 {
 
-/// Flags as packed bits, at places from 0. For the library itself.
-struct PackedFlags {
-  /// The flag at a place, from 0 to `count` - 1.
-  bool Get(std::size_t place) const { return (words[place / 64] >> place % 64 & 1) != 0; }
-  /// Likewise.
-  void Set(std::size_t place, bool value) {
-    const std::uint64_t bit = std::uint64_t{1} << place % 64;
-    words[place / 64] = value ? words[place / 64] | bit : words[place / 64] & ~bit;
-  }
-
-  std::vector<std::uint64_t> words;  ///< 64 flags each, the first one in the lowest bit
-  std::size_t count = 0;             ///< number of flags
-};
-
 /// One flag of a question. It is a handle that keeps the flags alive: every handle of a position reads and writes
 /// the same flag.
 class TORVA35_API clsLmfObjectiveFlag : public Object {
  public:
-  /// For the library itself: the flag at a place from 0.
-  clsLmfObjectiveFlag(Ref<PackedFlags> flags, std::size_t place) : flags_(std::move(flags)), place_(place) {}
-
   /// True: the question belongs to the objective.
-  virtual bool Value() const { return flags_->Get(place_); }
-  virtual void Value(bool bValue) { flags_->Set(place_, bValue); }
+  virtual bool Value() const;
+  virtual void Value(bool bValue);
   /// The flag read as a Boolean gives its value.
   operator bool() const { return Value(); }
 
+ protected:
+  /// For a host's own, which has a `Value` of its own too; this one's is False whatever it is set to.
+  clsLmfObjectiveFlag() = default;
+
  private:
-  Ref<PackedFlags> flags_;
-  std::size_t place_;
+  friend class clsLmfObjectiveFlags;
+  struct Packed;
+  clsLmfObjectiveFlag(Ref<Packed> flags, std::size_t place) : flags_(std::move(flags)), place_(place) {}
+
+  Ref<Packed> flags_;
+  std::size_t place_ = 0;
 };
 
 /// The flags of a question, parallel to the objectives of the file: flag k says whether the question belongs to
@@ -50,7 +39,7 @@ class TORVA35_API clsLmfObjectiveFlag : public Object {
 class TORVA35_API clsLmfObjectiveFlags : public Object {
  public:
   /// Number of flags.
-  virtual Long Count() const { return static_cast<Long>(flags_ ? flags_->count : 0); }
+  virtual Long Count() const { return static_cast<Long>(Size()); }
 
   /// Appends one flag. Raises 13 for a value that is no Boolean.
   virtual void Add(const TaggedValue& vValue, CallSite at = CallSite::Current());
@@ -70,7 +59,9 @@ class TORVA35_API clsLmfObjectiveFlags : public Object {
   void RemoveAll() { flags_.reset(); }
 
  private:
-  Ref<PackedFlags> flags_;  // nothing while there is no flag
+  std::size_t Size() const;
+
+  Ref<clsLmfObjectiveFlag::Packed> flags_;  // nothing while there is no flag
 };
 
 }  // namespace TORVA35

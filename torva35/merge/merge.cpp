@@ -1,7 +1,9 @@
 // A merge from its checks to the last subjective question. All of it is in one file and reports as one
 // member, so that a line tells which statement failed.
 
+#include <optional>
 #include <typeinfo>
+#include <utility>
 
 #include "torva35/base/Arithmetic.h"
 #include "torva35/base/Text.h"
@@ -201,9 +203,12 @@ bool FormMerge::TakeTestQuestion() {
     }
     return false;
   }
-  Need(output.CorrectValues()).Add(test_.CorrectAnswersAsString(testPosition_, u",", true, true));
+  std::optional<KeyTexts> key = KeyTexts::Of(test_, testPosition_, question);
+  Need(output.CorrectValues())
+      .Add(key ? std::move(key->numbers) : test_.CorrectAnswersAsString(testPosition_, u",", true, true));
   output.CorrectCount(Inside::Count(Need(question.CorrectAnswers())));
-  Need(output.CorrectLabels()).Add(test_.CorrectAnswersAsString(testPosition_, u",", true, false));
+  Need(output.CorrectLabels())
+      .Add(key ? std::move(key->labels) : test_.CorrectAnswersAsString(testPosition_, u",", true, false));
   output.CorrectAnd(false);
   if (IsChoiceField()) TakeScale();
   output.Difficulty(question.Difficulty());

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <optional>
+
 #include "torva35/base/CallSite.h"
 #include "torva35/base/Object.h"
 #include "torva35/base/TaggedValue.h"
@@ -29,10 +31,23 @@ class ScaleTexts {
   String At(Long position, CallSite at = CallSite::Current()) const;
 
  private:
+  friend struct KeyTexts;
+  ScaleTexts() = default;
   bool ReadItself(const clsTORVATest& test, const TaggedValue& vQuestionIndex);
 
   Ref<clsTORVATestStrings> scale_;
   Long count_ = 0;  // the scale may have more, or fewer than these
+};
+
+/// The answer key of a question, as `CorrectAnswersAsString` gives it with commas and parentheses, without a
+/// boundary and a scale for each of the two texts.
+struct KeyTexts {
+  /// Nothing where `CorrectAnswersAsString` has a copy to make or a failure to report: it is then to be asked.
+  static std::optional<KeyTexts> Of(const clsTORVATest& test, const TaggedValue& vQuestionIndex,
+                                    const clsTORVATestQuestion& question);
+
+  String numbers;
+  String labels;
 };
 
 }  // namespace TORVA35

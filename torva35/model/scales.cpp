@@ -1,6 +1,7 @@
 // The scales of a test: which labels a question has, and its answer key in those labels.
 
 #include <algorithm>
+#include <limits>
 #include <vector>
 
 #include "torva35/base/Arithmetic.h"
@@ -127,22 +128,47 @@ String ScaleTexts::At(Long position, CallSite at) const {
   return text == nullptr || position > count_ ? String() : *text;
 }
 
+namespace {
+
+// Appends to the text, which keeps what it has when one raises. label: gives the text of an answer's number.
+template <class Label>
+void AddKey(String& text, const clsTORVATestCorrect& correct, const String& sDelimiter, bool bEnclosedByParens,
+            Label label) {
+  const Long count = Inside::Count(correct);
+  for (Long i = 1; i <= count; ++i) {
+    text += label(Inside::Item(correct, Narrow<Integer>(i)));
+    text += sDelimiter;
+  }
+  if (text.empty()) return;
+  text.resize(text.size() - sDelimiter.size());
+  if (count > 1 && bEnclosedByParens) text = u"(" + text + u")";
+}
+
+}  // namespace
+
 String clsTORVATest::CorrectAnswersAsString(const TaggedValue& vQuestionIndex, const String& sDelimiter,
                                             bool bEnclosedByParens, bool bNumeric) const {
   return Reported(kAsString, String(), [&](String& result) {
     if (Inside::Find(Need(questions_), vQuestionIndex) == nullptr) return;
     const ScaleTexts scale(*this, vQuestionIndex);
     const auto correct = Need(Inside::Find(Need(questions_), vQuestionIndex)).CorrectAnswers();
-    const Long count = Inside::Count(Need(correct));
-    for (Long i = 1; i <= count; ++i) {
-      const Integer number = Inside::Item(*correct, Narrow<Integer>(i));
-      result += bNumeric ? Decimal(number) : scale.At(number);
-      result += sDelimiter;
-    }
-    if (result.empty()) return;
-    result.resize(result.size() - sDelimiter.size());
-    if (count > 1 && bEnclosedByParens) result = u"(" + result + u")";
+    AddKey(result, Need(correct), sDelimiter, bEnclosedByParens,
+           [&](Integer number) { return bNumeric ? Decimal(number) : scale.At(number); });
   });
+}
+
+std::optional<KeyTexts> KeyTexts::Of(const clsTORVATest& test, const TaggedValue& vQuestionIndex,
+                                     const clsTORVATestQuestion& question) {
+  const Ref<clsTORVATestCorrect> correct = question.CorrectAnswers();
+  ScaleTexts scale;
+  if (correct == nullptr || Inside::Count(*correct) > std::numeric_limits<Integer>::max() ||
+      !scale.ReadItself(test, vQuestionIndex)) {
+    return std::nullopt;
+  }
+  KeyTexts key;
+  AddKey(key.numbers, *correct, u",", true, [](Integer number) { return Decimal(number); });
+  AddKey(key.labels, *correct, u",", true, [&](Integer number) { return scale.At(number); });
+  return key;
 }
 
 Array<String> clsTORVATest::CorrectAnswersAsArray(const TaggedValue& vQuestionIndex, bool bAsString) const {
