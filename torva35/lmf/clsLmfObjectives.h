@@ -34,6 +34,9 @@ class TORVA35_API clsLmfObjectives : public ObjectList<clsLmfObjective> {
   /// True when the list has an objective with this key. Raises 13 for a key that is no String.
   virtual bool Exists(const TaggedValue& Key, CallSite at = CallSite::Current()) const;
 
+  /// The same for a text, whatever a derived list says in `Exists`.
+  bool HasKey(StringView sKey) const { return distinctKeys_.contains(sKey); }
+
   /// Puts the built-in objective first, unless it is there already.
   void AddBuiltIn();
   /// Whether it is there.

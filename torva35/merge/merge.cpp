@@ -83,6 +83,9 @@ void FormMerge::Begin(CallSite at) {
 }
 
 void FormMerge::EnterObjectives() {
+  // Most objectives are there already. Ours say so without a text of their own for the question.
+  const clsLmf& lmf = Ask(lmf_);
+  const clsLmfObjectives* ours = typeid(lmf) == typeid(clsLmf) ? lmf.Objectives().get() : nullptr;
   const Kept questions(test_.Questions());
   const Long count = Ask(questions).Count();
   for (Long i = 1; i <= count; ++i) {
@@ -90,6 +93,7 @@ void FormMerge::EnterObjectives() {
     const Long objectiveCount = Ask(objectives).Count();
     for (Long k = 1; k <= objectiveCount; ++k) {
       const String* found = Inside::Find(*objectives, k);
+      if (ours != nullptr && found != nullptr && ours->HasKey(*found)) continue;
       const TaggedValue text(found == nullptr ? String() : *found);
       if (Ask(Kept(Ask(lmf_).Objectives())).Exists(text)) continue;
       const Kept objective(New<clsLmfObjective>());
@@ -302,7 +306,7 @@ void FormMerge::NextTestQuestion(CallSite at) {
 
 String FormMerge::NextName(CallSite at) {
   if (outputPosition_ > names_.Size()) Raise(kSubscriptOutOfRange, at);
-  return names_[names_.LBound() + (outputPosition_ - 1)];
+  return std::move(names_[names_.LBound() + (outputPosition_ - 1)]);  // each is asked for once
 }
 
 // --- Subjective questions need no graded question on the form: each gets a field of its own at its end. ---
