@@ -12,4 +12,4 @@ set(utf8cpp_DIR ${wasm_root}/usr/lib/x86_64-linux-gnu/cmake/utf8cpp CACHE PATH "
 # Exceptions of the engine itself: those made of JavaScript would take a call through it for each call that may throw.
 set(CMAKE_CXX_FLAGS_INIT -fwasm-exceptions)
 # Programs run under Node, with the files of the machine.
-set(CMAKE_EXE_LINKER_FLAGS_INIT "-sALLOW_MEMORY_GROWTH=1 -sNODERAWFS=1 -sEXIT_RUNTIME=1")
+set(CMAKE_EXE_LINKER_FLAGS_INIT "-sALLOW_MEMORY_GROWTH=1 -sNODERAWFS=1 -sEXIT_RUNTIME=1 -sENVIRONMENT=node")

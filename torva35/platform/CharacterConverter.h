@@ -15,9 +15,10 @@ namespace TORVA35 {
 ///    own) is not known, or its shifts and escapes are invalid. Nothing is guessed: invalid bytes are called so,
 ///    and a character that may join a following accent is given without it.
 ///
-/// On POSIX systems the encodings are those of `iconv`, on Windows the code pages of the system, by their usual
-/// names and by number ("cp850", "windows-1252", "ISO-8859-15"). There EUC-JP has no characters of three bytes,
-/// and some machines lack GB18030.
+/// On POSIX systems the encodings are those of `iconv` (musl's, which is WebAssembly's too, has no EBCDIC, no
+/// characters of three bytes in EUC-JP, and a faulty GB18030, which is not taken), on Windows the code pages of
+/// the system, by their usual names and by number ("cp850", "windows-1252", "ISO-8859-15"). There EUC-JP has no
+/// characters of three bytes, and some machines lack GB18030.
 class CharacterConverter {
  public:
   enum class Outcome {

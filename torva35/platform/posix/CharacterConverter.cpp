@@ -22,7 +22,15 @@ constexpr const char* kOwnOrder = "TSCII";
 CharacterConverter::CharacterConverter(const std::string& encoding) {
   if (strcasecmp(encoding.c_str(), kOwnOrder) == 0) return;
   const iconv_t converter = iconv_open("UTF-32LE", encoding.c_str());
-  if (converter != kFailed) converter_ = converter;
+  if (converter == kFailed) return;
+  converter_ = converter;
+  // musl 1.2 takes characters of four bytes for others.
+  std::u32string face;
+  if (strcasecmp(encoding.c_str(), "GB18030") == 0 &&
+      (Convert("\x94\x39\xFC\x36", face) != Outcome::kConverted || face != U"\U0001F600")) {
+    iconv_close(converter);
+    converter_ = nullptr;
+  }
 }
 
 CharacterConverter::~CharacterConverter() {

@@ -5,6 +5,7 @@
 #include <setjmp.h>
 #include <signal.h>
 #include <sys/mman.h>
+#include <sys/resource.h>
 #include <ucontext.h>
 #include <unistd.h>
 
@@ -352,8 +353,13 @@ void FindStack() {
   std::size_t guard = 0;
   if (pthread_attr_getstack(&attributes, &begin, &size) == 0 &&
       pthread_attr_getguardsize(&attributes, &guard) == 0) {
-    state.stackBegin = reinterpret_cast<std::uintptr_t>(begin);
-    state.stackEnd = state.stackBegin + size;
+    state.stackEnd = reinterpret_cast<std::uintptr_t>(begin) + size;
+    // Not every C library says of the first thread's stack how far it may grow.
+    rlimit limit;
+    if (getpid() == gettid() && getrlimit(RLIMIT_STACK, &limit) == 0 && limit.rlim_cur != RLIM_INFINITY) {
+      size = std::max(size, static_cast<std::size_t>(limit.rlim_cur));
+    }
+    state.stackBegin = state.stackEnd - size;
     state.belowStack = state.stackBegin - std::min(state.stackBegin, guard + kBelowGuard);
   }
   pthread_attr_destroy(&attributes);
