@@ -1,6 +1,8 @@
 # Builds for WebAssembly with Debian's Emscripten, and runs what was built under Node. What the library needs lies below
 # build/wasm-root, where `scripts/platform wasm` puts it.
 set(EMSCRIPTEN_ROOT_PATH /usr/share/emscripten)
+# Emscripten's start-up code would take Node's fetch for a browser's, which reads no files.
+set(CMAKE_CROSSCOMPILING_EMULATOR node --no-experimental-fetch)
 include(${EMSCRIPTEN_ROOT_PATH}/cmake/Modules/Platform/Emscripten.cmake)
 
 get_filename_component(wasm_root ${CMAKE_CURRENT_LIST_DIR}/../build/wasm-root ABSOLUTE)
