@@ -295,6 +295,10 @@ std::string ToUtf8(StringView text) {
   return bytes;
 }
 
+bool IsUtf8(std::string_view bytes) {
+  return utf8::is_valid(bytes.begin(), bytes.end());
+}
+
 String FromUtf8(std::string_view bytes) {
   String text;
   for (;;) {

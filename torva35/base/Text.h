@@ -83,6 +83,8 @@ TORVA35_API bool BooleanOf(StringView text, CallSite at = CallSite::Current());
 /// blanks around it or none. Anything else, such as a number with a blank inside, raises Type mismatch (13).
 TORVA35_API Double NumberOf(const TaggedValue& value, CallSite at = CallSite::Current());
 
+/// Whether the bytes are UTF-8.
+bool IsUtf8(std::string_view bytes);
 /// UTF-8 of the text; a unit without its partner becomes U+FFFD.
 TORVA35_API std::string ToUtf8(StringView text);
 /// UTF-16 of the bytes; bytes that are no UTF-8 become U+FFFD.

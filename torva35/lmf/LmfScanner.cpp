@@ -1,8 +1,7 @@
-#include <utf8.h>
-
 #include <algorithm>
 #include <string>
 
+#include "torva35/base/Text.h"
 #include "torva35/lmf/LmfFile.h"
 #include "torva35/platform/InputFile.h"
 
@@ -61,8 +60,7 @@ class Scanner {
 
   // XML has no U+FFFE and U+FFFF.
   static bool AreCharacters(std::string_view value) {
-    return utf8::is_valid(value.begin(), value.end()) && value.find("\xEF\xBF\xBE") == value.npos &&
-           value.find("\xEF\xBF\xBF") == value.npos;
+    return IsUtf8(value) && value.find("\xEF\xBF\xBE") == value.npos && value.find("\xEF\xBF\xBF") == value.npos;
   }
 
   // Takes this many bytes off what is left of the line.
