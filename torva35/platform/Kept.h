@@ -122,16 +122,21 @@ To MethodAs(From method) noexcept {
 
 /// Calls a method whose first argument is a reference by value, and releases the argument should the method fault.
 ///
-/// Such an argument lives in the caller's frame, which a fault abandons. The C++ ABI of all our compilers passes
-/// it by its address, and the caller destroys it: so the method can be handed one that lives elsewhere.
+/// Such an argument lives in the caller's frame, which a fault abandons. The C++ ABI of all systems with faults
+/// passes it by its address, and the caller destroys it: so the method can be handed one that lives elsewhere.
 /// item: a `Ref` or a `Kept`.
 template <class Host, class Class, class Result, class Item, class... Rest, class Held, class... Values>
 Result HandOver(Host& host, Result (Class::*method)(Ref<Item>, Rest...), const Held& item, Values&&... rest) {
+#if defined(__wasm__)
+  // No fault abandons a frame there, and the standard library's references are their callee's to destroy.
+  return (host.*method)(kept::Shared(item), std::forward<Values>(rest)...);
+#else
   using ByAddress = Result (Class::*)(Ref<Item>&, Rest...);
   const Kept<Item> argument(kept::Shared(item));
   Ref<Item> nothing;
   return (host.*MethodAs<ByAddress>(method))(argument ? argument.InPlace() : nothing,
                                              std::forward<Values>(rest)...);
+#endif
 }
 
 }  // namespace TORVA35
