@@ -137,15 +137,16 @@ String ShortestText(Floating value) {
   return String(digits.begin(), digits.end());
 }
 
-bool AreAscii(const unsigned char* eight) {
+bool AreAscii(const char* eight) {
   std::uint64_t bytes;
   std::memcpy(&bytes, eight, sizeof(bytes));
   return (bytes & 0x8080808080808080) == 0;
 }
 
 bool IsAscii(std::string_view bytes) {
-  while (bytes.size() >= 8 && AreAscii(reinterpret_cast<const unsigned char*>(bytes.data())))
-    bytes.remove_prefix(8);
+  for (; bytes.size() >= 8; bytes.remove_prefix(8)) {
+    if (!AreAscii(bytes.data())) return false;
+  }
   return std::none_of(bytes.begin(), bytes.end(), [](unsigned char byte) { return byte >= 0x80; });
 }
 
@@ -153,13 +154,13 @@ bool IsAscii(std::string_view bytes) {
 // character, and two for one of four bytes.
 std::size_t UnitCount(std::string_view bytes) {
   std::size_t count = bytes.size();
-  const auto* in = reinterpret_cast<const unsigned char*>(bytes.data());
-  const unsigned char* const end = in + bytes.size();
-  while (in != end) {
-    for (; end - in >= 8 && AreAscii(in); in += 8) continue;
-    if (in == end) break;
-    count -= (*in & 0xC0) == 0x80 ? 1u : 0u;
-    count += *in++ >= 0xF0 ? 1u : 0u;
+  while (!bytes.empty()) {
+    for (; bytes.size() >= 8 && AreAscii(bytes.data()); bytes.remove_prefix(8)) continue;
+    if (bytes.empty()) break;
+    const auto byte = static_cast<unsigned char>(bytes.front());
+    count -= (byte & 0xC0) == 0x80 ? 1u : 0u;
+    count += byte >= 0xF0 ? 1u : 0u;
+    bytes.remove_prefix(1);
   }
   return count;
 }
@@ -312,24 +313,22 @@ String FromUtf8(std::string_view bytes) {
 
 void AppendUtf8(String& text, std::string_view bytes) {
   const std::size_t start = text.size();
-  if (IsAscii(bytes)) {
-    text.resize(start + bytes.size());
-    std::copy(bytes.begin(), bytes.end(), text.begin() + static_cast<std::ptrdiff_t>(start));
-    return;
-  }
-  text.resize(start + UnitCount(bytes));
-  char16_t* out = text.data() + start;
-  const auto* in = reinterpret_cast<const unsigned char*>(bytes.data());
-  const unsigned char* const end = in + bytes.size();
-  while (in != end) {
+  text.resize(start + (IsAscii(bytes) ? bytes.size() : UnitCount(bytes)));
+  CopyUtf8(text.data() + start, bytes);
+}
+
+char16_t* CopyUtf8(char16_t* out, std::string_view bytes) {
+  const char* in = bytes.data();
+  const char* const end = in + bytes.size();
+  for (;;) {
     // Most characters are ASCII, which widens eight at a time.
     for (; end - in >= 8 && AreAscii(in); in += 8, out += 8) std::copy(in, in + 8, out);
-    if (in == end) return;
-    if (*in < 0x80) {
-      *out++ = *in++;
+    if (in == end) return out;
+    if (static_cast<unsigned char>(*in) < 0x80) {
+      *out++ = static_cast<char16_t>(*in++);
       continue;
     }
-    const unsigned char* next = in;  // a copy, which leaves `in` in its register
+    const char* next = in;  // a copy, which leaves `in` in its register
     const char32_t code = utf8::unchecked::next(next);
     in = next;
     if (code < 0x10000) {

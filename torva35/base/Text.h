@@ -91,6 +91,9 @@ TORVA35_API std::string ToUtf8(StringView text);
 TORVA35_API String FromUtf8(std::string_view bytes);
 /// Appends to `text` the UTF-16 of bytes that are known to be UTF-8.
 TORVA35_API void AppendUtf8(String& text, std::string_view bytes);
+/// Writes the UTF-16 of bytes that are known to be UTF-8, and gives where it ends. `out` has room for a unit for
+/// each byte.
+char16_t* CopyUtf8(char16_t* out, std::string_view bytes);
 /// Appends to `bytes` the UTF-8 of a character; code: of a Unicode character, and no surrogate.
 TORVA35_API void AppendUtf8(std::string& bytes, char32_t code);
 

@@ -48,7 +48,7 @@ constexpr Row kNames[] = {
     {u"equation", ExamViewName::kEquation},
 };
 
-ExamViewName LookUp(StringView name) {
+ExamViewName Meaning(StringView name) {
   const auto* row =
       std::find_if(std::begin(kNames), std::end(kNames), [&](const Row& r) { return r.text == name; });
   return row == std::end(kNames) ? ExamViewName::kOther : row->name;
@@ -56,17 +56,11 @@ ExamViewName LookUp(StringView name) {
 
 }  // namespace
 
-ExamViewName ExamViewNames::Of(const IXMLDOMNode& node, Known& known, String (IXMLDOMNode::*name)() const) {
-  const std::uint32_t id = node.NameId();
-  if (id == 0) return ExamViewName::kNone;
+ExamViewName ExamViewNames::LookUp(const IXMLDOMNode& node, std::uint32_t id, Known& known, Spelling spelling) {
   if (known.empty()) known.resize(node.NameCount() + std::size_t{1}, ExamViewName::kNone);
-  ExamViewName& entry = known[id];
-  if (entry == ExamViewName::kNone) {
-    // An element whose name ends in a colon has no name after its prefix.
-    const String lowered = Lower((node.*name)());
-    entry = lowered.empty() ? ExamViewName::kNone : LookUp(lowered);
-  }
-  return entry;
+  // An element whose name ends in a colon has no name after its prefix.
+  const String lowered = Lower((node.*spelling)());
+  return known[id] = lowered.empty() ? ExamViewName::kNone : Meaning(lowered);
 }
 
 }  // namespace TORVA35

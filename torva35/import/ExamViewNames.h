@@ -46,7 +46,15 @@ class ExamViewNames {
 
  private:
   using Known = std::vector<ExamViewName>;  // by the document's number of the name; kNone: not looked up yet
-  static ExamViewName Of(const IXMLDOMNode& node, Known& known, String (IXMLDOMNode::*name)() const);
+  using Spelling = String (IXMLDOMNode::*)() const;
+
+  static ExamViewName Of(const IXMLDOMNode& node, Known& known, Spelling spelling) {
+    const std::uint32_t id = node.NameId();
+    if (id == 0) return ExamViewName::kNone;
+    if (id < known.size() && known[id] != ExamViewName::kNone) return known[id];
+    return LookUp(node, id, known, spelling);
+  }
+  static ExamViewName LookUp(const IXMLDOMNode& node, std::uint32_t id, Known& known, Spelling spelling);
 
   Known whole_;
   Known base_;

@@ -48,7 +48,7 @@ class QuestionReader {
 
   void ReadAttributes(const IXMLDOMNode& element) {
     const IXMLDOMNamedNodeMap attributes = element.get_attributes();
-    if (const IXMLDOMNode type = attributes.getNamedItem(u"type")) {
+    if (const IXMLDOMNode type = attributes.Named("type")) {
       question_.QuestionType(test_.QuestionType(type.get_nodeValue()));
     }
     if (question_.QuestionType() == TORVATestQuestionTypeTrueFalse) {
@@ -56,8 +56,8 @@ class QuestionReader {
     } else if (question_.QuestionType() == TORVATestQuestionTypeYesNo) {
       Need(question_.Answers()).AddDelimitedString(u"Yes\tNo", u"\t");
     }
-    if (const IXMLDOMNode id = attributes.getNamedItem(u"question-id")) question_.ID(id.Text());
-    if (const IXMLDOMNode bank = attributes.getNamedItem(u"bank-id")) question_.ID(question_.ID() + bank.Text());
+    if (const IXMLDOMNode id = attributes.Named("question-id")) question_.ID(id.Text());
+    if (const IXMLDOMNode bank = attributes.Named("bank-id")) question_.ID(question_.ID() + bank.Text());
   }
 
   void ReadAnswer(const String& value) {
@@ -74,7 +74,7 @@ class QuestionReader {
   }
 
   void ReadDisplayMode(const IXMLDOMNode& element) {
-    if (const IXMLDOMNode value = element.get_attributes().getNamedItem(u"value")) {
+    if (const IXMLDOMNode value = element.get_attributes().Named("value")) {
       question_.QuestionType(test_.QuestionType(value.get_nodeValue()));
     }
   }
@@ -129,7 +129,7 @@ class QuestionReader {
   void ReadPoints(const IXMLDOMNode& element) {
     question_.CorrectAnd(true);
     question_.CorrectPoints(LeadingNumber(texts_.Take(element)));
-    const IXMLDOMNode method = element.get_attributes().getNamedItem(u"scoring-method");
+    const IXMLDOMNode method = element.get_attributes().Named("scoring-method");
     if (method && EqualNoCase(method.Text(), u"RightLessWrong")) partialCredit_ = true;
   }
 

@@ -60,7 +60,9 @@ IXMLDOMNodeList DOMDocument::getElementsByTagName(StringView name) const {
   auto found = std::make_shared<std::vector<std::uint32_t>>();
   if (tree_ != nullptr) {
     const std::uint32_t number = tree_->FindName(ToUtf8(name));
-    for (std::uint32_t i = 1; number < XmlTree::kFirstReserved && i < tree_->nodes.size(); ++i) {
+    const std::uint32_t count = number < XmlTree::kFirstReserved ? tree_->elementCounts[number] : 0;
+    found->reserve(count);
+    for (std::uint32_t i = 1; found->size() < count; ++i) {
       if (tree_->nodes[i].name == number) found->push_back(i);
     }
   }
@@ -196,11 +198,13 @@ IXMLDOMNode IXMLDOMNamedNodeMap::get_item(Long position) const {
 }
 
 IXMLDOMNode IXMLDOMNamedNodeMap::getNamedItem(StringView name) const {
+  return Named(ToUtf8(name));
+}
+
+IXMLDOMNode IXMLDOMNamedNodeMap::Named(std::string_view name) const {
   const XmlTree& tree = NeedTree(tree_);
-  if (begin_ == end_) return {};
-  const std::uint32_t number = tree.FindName(ToUtf8(name));
   for (std::uint32_t i = begin_; i < end_; ++i) {
-    if (tree.attributes[i].name == number) return IXMLDOMNode(tree_, i, true);
+    if (tree.Name(tree.attributes[i].name) == name) return IXMLDOMNode(tree_, i, true);
   }
   return {};
 }

@@ -176,6 +176,8 @@ class TORVA35_API IXMLDOMNamedNodeMap {
   IXMLDOMNode get_item(Long position) const;
   /// The attribute of exactly this name, or an empty handle.
   IXMLDOMNode getNamedItem(StringView name) const;
+  /// Likewise, by its name in UTF-8.
+  IXMLDOMNode Named(std::string_view name) const;
 
  private:
   friend class IXMLDOMNode;

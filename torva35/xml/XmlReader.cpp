@@ -15,7 +15,10 @@ namespace TORVA35 {
 namespace {
 
 constexpr std::int64_t kChunkBytes = 1 << 16;
+// For a byte of the file: a usual export takes less than two.
+constexpr std::size_t kMostReserved = 4;
 constexpr std::int64_t kLargestChunkBytes = 1 << 28;
+constexpr std::int64_t kLargestRestBytes = 1 << 26;
 // How many times longer than the file its text may become by entities, and its attributes by the values that are
 // declared for them; small files may always reach 8 MiB. The parser itself watches over the entities only.
 constexpr int kMaximumAmplification = 10;
@@ -46,8 +49,12 @@ void NeedRoom(std::size_t size) {
   if (size > kLargestBytes) throw kTooLarge;
 }
 
+// Nearly all white text is a line feed and the indentation of the next line.
+constexpr std::string_view kIndentation = "\n                                                               ";
+
 // By hand: the search for a set of characters is a function call for every character.
 bool IsWhite(std::string_view text) {
+  if (text.front() == '\n' && kIndentation.starts_with(text)) return true;
   return std::all_of(text.begin(), text.end(),
                      [](char c) { return c == ' ' || c == '\n' || c == '\t' || c == '\r'; });
 }
@@ -159,51 +166,79 @@ void XmlReader::StartParser() {
   XML_SetSkippedEntityHandler(parser, Callbacks::Skipped);
   XML_SetBillionLaughsAttackProtectionMaximumAmplification(parser, kMaximumAmplification);
   XML_SetBillionLaughsAttackProtectionActivationThreshold(parser, kAlwaysAllowedBytes);
-  Append({XmlTree::kDocument, 0, 0, 0, 0, 0});
+  tree_.nodes.push_back({XmlTree::kDocument, 0, 0, 0, 0, 0});
   open_.push_back({0, 0});
 }
 
 XmlParseError XmlReader::ReadAll() {
-  for (;;) {
-    // The parser begins an unfinished token anew with each chunk: as much again keeps a long one from taking
-    // quadratic time.
-    const std::int64_t unfinished = bytesParsed_ - XML_GetCurrentByteIndex(parser_.get());
-    const auto chunk = static_cast<int>(std::clamp(unfinished, kChunkBytes, kLargestChunkBytes));
+  for (bool atEnd = false; !atEnd;) {
+    const auto chunk = static_cast<int>(NextChunk());
     auto* buffer = static_cast<char*>(XML_GetBuffer(parser_.get(), chunk));
     if (buffer == nullptr) throw std::bad_alloc();
     const std::size_t size = file_.ReadAt(bytesRead_, buffer, static_cast<std::size_t>(chunk));
     if (!file_.Problem().empty()) return Unreadable(file_.Problem());
     if (listener_) listener_({buffer, size});
+    atEnd = size < static_cast<std::size_t>(chunk);
     if (bytesRead_ == 0) {
-      XmlParseError error = decoder_.Begin({buffer, size}, size < static_cast<std::size_t>(chunk));
+      XmlParseError error = decoder_.Begin({buffer, size}, atEnd);
       if (!error.reason.empty()) return error;
     }
     bytesRead_ += static_cast<std::int64_t>(size);
     if (bytesRead_ > kLargestFileBytes) return Unreadable(kFileTooLarge);
-    const bool parsed = Parse(buffer, size);
+    const bool parsed = Parse(buffer, size, atEnd);
     if (failure_) std::rethrow_exception(failure_);
     if (!parsed) {
       const XML_Error code = XML_GetErrorCode(parser_.get());
       if (code == XML_ERROR_NO_MEMORY) throw std::bad_alloc();
       return Stopped(FromUtf8(XML_ErrorString(code)));
     }
-    if (size == 0) break;
+    if (bytesRead_ == static_cast<std::int64_t>(size)) ReserveRest();
   }
   tree_.nodes[0].textEnd = static_cast<std::uint32_t>(tree_.text.size());
   return {};
 }
 
-// Gives the parser the next bytes of the file, which stand in a buffer of its own; no bytes are the end.
-bool XmlReader::Parse(char* buffer, std::size_t size) {
+// The bytes to read next. They all come at once where the parser takes them as they are, but for the first ones,
+// which tell the encoding: it counts lines in whatever is not the end of a document, which is a tenth of its work.
+std::int64_t XmlReader::NextChunk() const {
+  const std::int64_t rest = file_.Size() - bytesRead_;
+  if (bytesRead_ > 0 && decoder_.IsUtf8() && rest >= 0 && rest < kLargestRestBytes) return rest + 1;
+  // The parser begins an unfinished token anew with each chunk: as much again keeps a long one from taking
+  // quadratic time.
+  const std::int64_t unfinished = bytesParsed_ - XML_GetCurrentByteIndex(parser_.get());
+  return std::clamp(unfinished, kChunkBytes, kLargestChunkBytes);
+}
+
+// Takes the room for the whole tree at once, by what the first chunk has become: it then neither moves while it
+// grows nor leaves half of its room empty. A file that turns out otherwise costs what it would have cost anyway.
+void XmlReader::ReserveRest() {
+  const double growth = 1.05 * static_cast<double>(file_.Size()) / static_cast<double>(bytesRead_);
+  const auto grown = [&](std::size_t size) {
+    return static_cast<std::size_t>(static_cast<double>(size) * growth);
+  };
+  const std::size_t nodes = grown(tree_.nodes.size());
+  const std::size_t attributes = grown(tree_.attributes.size());
+  const std::size_t text = grown(tree_.text.size());
+  const std::size_t values = grown(tree_.values.size());
+  const std::size_t bytes = nodes * sizeof(XmlNode) + attributes * sizeof(XmlAttribute) + text + values;
+  if (growth < 1 || bytes > kMostReserved * static_cast<std::size_t>(file_.Size())) return;
+  tree_.nodes.reserve(nodes);
+  tree_.attributes.reserve(attributes);
+  tree_.text.reserve(text);
+  tree_.values.reserve(values);
+}
+
+// Gives the parser the next bytes of the file, which stand in a buffer of its own.
+bool XmlReader::Parse(char* buffer, std::size_t size, bool atEnd) {
   if (decoder_.IsUtf8()) {
     bytesParsed_ += static_cast<std::int64_t>(size);
-    return XML_ParseBuffer(parser_.get(), static_cast<int>(size), size == 0) == XML_STATUS_OK;
+    return XML_ParseBuffer(parser_.get(), static_cast<int>(size), atEnd) == XML_STATUS_OK;
   }
   source_.append(buffer, size);
   utf8_.clear();
-  source_.erase(0, decoder_.Convert(source_, size == 0, utf8_));
+  source_.erase(0, decoder_.Convert(source_, atEnd, utf8_));
   bytesParsed_ += static_cast<std::int64_t>(utf8_.size());
-  return XML_Parse(parser_.get(), utf8_.data(), static_cast<int>(utf8_.size()), size == 0) == XML_STATUS_OK;
+  return XML_Parse(parser_.get(), utf8_.data(), static_cast<int>(utf8_.size()), atEnd) == XML_STATUS_OK;
 }
 
 XmlParseError XmlReader::Stopped(String reason) {
@@ -237,19 +272,20 @@ std::int64_t XmlReader::SourceOffset(std::int64_t parsed) {
 
 void XmlReader::BeginElement(std::string_view name, const char** attributes) {
   FlushText();
-  const auto text = static_cast<std::uint32_t>(tree_.text.size());
   const std::uint32_t number = tree_.Intern(name);
   if (declaredFor_ != nullptr) PassDeclared(number);
-  Append({number, 0, 0, static_cast<std::uint32_t>(tree_.attributes.size()), text, text});
-  const auto node = static_cast<std::uint32_t>(tree_.nodes.size() - 1);
+  const std::uint32_t node = Append(number);
+  ++tree_.elementCounts[number];
   open_.push_back({node, 0});
   if (tree_.keepsPlaces) {
     tree_.places.push_back({node, static_cast<std::uint32_t>(XML_GetCurrentLineNumber(parser_.get())),
                             static_cast<std::uint32_t>(XML_GetCurrentColumnNumber(parser_.get())) + 1});
   }
-  const char** const defaults = attributes + XML_GetSpecifiedAttributeCount(parser_.get());
+  if (declaredFor_ != nullptr) {
+    const char** defaults = attributes + XML_GetSpecifiedAttributeCount(parser_.get());
+    for (; *defaults != nullptr; defaults += 2) AllowDefault(defaults[0], defaults[1]);
+  }
   for (; *attributes != nullptr; attributes += 2) {
-    if (attributes >= defaults) AllowDefault(attributes[0], attributes[1]);
     const auto begin = static_cast<std::uint32_t>(tree_.values.size());
     tree_.values.append(attributes[1]);
     NeedRoom(tree_.values.size());
@@ -321,13 +357,12 @@ void XmlReader::EndElement() {
 }
 
 void XmlReader::FlushText() {
-  const std::string_view collected = std::string_view(tree_.text).substr(textBegin_);
-  if (IsWhite(collected)) {
+  if (tree_.text.size() == textBegin_) return;
+  if (IsWhite(std::string_view(tree_.text).substr(textBegin_))) {
     tree_.text.resize(textBegin_);
     return;
   }
-  Append({XmlTree::kText, 0, 0, static_cast<std::uint32_t>(tree_.attributes.size()),
-          static_cast<std::uint32_t>(textBegin_), static_cast<std::uint32_t>(tree_.text.size())});
+  Append(XmlTree::kText);
   textBegin_ = tree_.text.size();
 }
 
@@ -341,21 +376,21 @@ void XmlReader::BeginCdata() {
 }
 
 void XmlReader::EndCdata() {
-  Append({XmlTree::kCdata, 0, 0, static_cast<std::uint32_t>(tree_.attributes.size()),
-          static_cast<std::uint32_t>(textBegin_), static_cast<std::uint32_t>(tree_.text.size())});
+  Append(XmlTree::kCdata);
   textBegin_ = tree_.text.size();
 }
 
-// Makes the node the last child so far of its parent.
-void XmlReader::Append(XmlNode node) {
+// Makes a node of what has been collected the last child so far of its parent.
+std::uint32_t XmlReader::Append(std::uint32_t name) {
   const auto index = static_cast<std::uint32_t>(tree_.nodes.size());
-  tree_.nodes.push_back(node);
+  tree_.nodes.push_back({name, 0, 0, static_cast<std::uint32_t>(tree_.attributes.size()),
+                         static_cast<std::uint32_t>(textBegin_), static_cast<std::uint32_t>(tree_.text.size())});
   NeedRoom(tree_.nodes.size());
-  if (open_.empty()) return;
   Open& parent = open_.back();
   if (parent.lastChild != 0) tree_.nodes[parent.lastChild].next = index;
   parent.lastChild = index;
   ++tree_.nodes[parent.node].children;
+  return index;
 }
 
 }  // namespace TORVA35

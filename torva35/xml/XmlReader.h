@@ -42,7 +42,9 @@ struct XmlReader {
   XmlParseError Read();
   void StartParser();
   XmlParseError ReadAll();
-  bool Parse(char* buffer, std::size_t size);
+  void ReserveRest();
+  std::int64_t NextChunk() const;
+  bool Parse(char* buffer, std::size_t size, bool atEnd);
   void BeginElement(std::string_view name, const char** attributes);
   void AllowDefault(std::string_view name, std::string_view value);
   void BeginDocument(std::string_view version);
@@ -57,7 +59,7 @@ struct XmlReader {
   void BeginCdata();
   void EndCdata();
   void FlushText();
-  void Append(XmlNode node);
+  std::uint32_t Append(std::uint32_t name);
   XmlParseError Stopped(String reason);
   std::int64_t SourceOffset(std::int64_t parsed);
 

@@ -10,16 +10,18 @@ std::string_view XmlTree::Name(std::uint32_t number) const {
 }
 
 std::uint32_t XmlTree::Intern(std::string_view name) {
-  // These factors keep all but two of the usual names apart.
+  // These factors keep the usual names apart.
   const auto first = static_cast<unsigned char>(name.front());
+  const auto middle = static_cast<unsigned char>(name[name.size() / 2]);
   const auto last = static_cast<unsigned char>(name.back());
-  std::uint32_t& known = recent[(first * 13u + last * 28u + name.size()) % recent.size()];
+  std::uint32_t& known = recent[(first * 9u + middle * 16u + last * 22u + name.size()) % recent.size()];
   if (known < NameCount() && Name(known) == name) return known;
   if (const auto found = numbers.find(name); found != numbers.end()) return known = *found;
   const std::uint32_t number = known = NameCount();
   names.append(name);
   nameEnds.push_back(static_cast<std::uint32_t>(names.size()));
   numbers.insert(number);
+  elementCounts.push_back(0);
   return number;
 }
 

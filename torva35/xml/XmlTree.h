@@ -60,7 +60,8 @@ struct XmlTree {
     return node + 1 < nodes.size() ? nodes[node + 1].attributes : static_cast<std::uint32_t>(attributes.size());
   }
 
-  std::vector<XmlNode> nodes;  // the document first, its root element among its children
+  std::vector<std::uint32_t> elementCounts;  // by the number of their name
+  std::vector<XmlNode> nodes;                // the document first, its root element among its children
   std::vector<XmlAttribute> attributes;
   bool keepsPlaces = false;
   std::vector<XmlPlace> places;  // of the elements, in order, if they are kept
@@ -90,7 +91,7 @@ struct XmlTree {
   std::vector<std::uint32_t> nameEnds;
   std::unordered_set<std::uint32_t, NameHash, NameEqual> numbers;
   // Names seen last, by what is quick to tell of them: nearly every element finds its name here.
-  std::array<std::uint32_t, 128> recent{};
+  std::array<std::uint32_t, 256> recent{};
 };
 
 }  // namespace TORVA35
