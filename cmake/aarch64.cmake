@@ -13,8 +13,6 @@ set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
-
-# As a part of what is built, so that it runs alone.
-set(ZLIB_USE_STATIC_LIBS ON)
-
-set(CMAKE_CROSSCOMPILING_EMULATOR qemu-aarch64 -L /usr/aarch64-linux-gnu)
+# Where the shared libraries are that those of the build need.
+set(CMAKE_EXE_LINKER_FLAGS_INIT -Wl,-rpath-link,${aarch64_root}/lib/aarch64-linux-gnu)
+set(CMAKE_CROSSCOMPILING_EMULATOR qemu-aarch64 -L ${aarch64_root})
