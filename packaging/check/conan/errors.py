@@ -1,0 +1,2 @@
+class ConanException(Exception):
+    pass
