@@ -1,14 +1,17 @@
-// The npm package as a program meets it that has installed it: node package_test.mjs PACKAGE PROGRAM EXAMPLES DATA
-// PROGRAM is torva35 as built for this machine, which has to write the same.
+// The npm package as a program meets it that has installed it: node package_test.mjs PACKAGE PROGRAM CHECKOUT MAKE_EXAM
+// PROGRAM is torva35 as built for this machine, which has to write the same; MAKE_EXAM makes random tests, under Node.
 import assert from 'node:assert/strict';
 import { execFileSync, spawnSync } from 'node:child_process';
-import { cpSync, mkdirSync, mkdtempSync, readdirSync, readFileSync, rmSync } from 'node:fs';
+import { cpSync, existsSync, mkdirSync, mkdtempSync, readdirSync, readFileSync, rmSync, writeFileSync } from 'node:fs';
 import { tmpdir } from 'node:os';
 import { join } from 'node:path';
 import { pathToFileURL } from 'node:url';
 import test, { after } from 'node:test';
 
-const [tarball, program, examples, data] = process.argv.slice(2);
+const [tarball, program, checkout, makeExam] = process.argv.slice(2);
+const examples = join(checkout, 'examples');
+const data = join(checkout, 'tests/data');
+const tsc = '/usr/share/nodejs/typescript/bin/tsc';
 const home = mkdtempSync(join(tmpdir(), 'torva35-package-'));
 after(() => rmSync(home, { recursive: true }));
 mkdirSync(join(home, 'node_modules/torva35'), { recursive: true });
@@ -63,6 +66,20 @@ test('says of a bad file what the program says, and gives no sheet', async () =>
   exam.close();
 });
 
+test('gives the same JSON as the program for 200 random tests', async () => {
+  for (let seed = 0; seed < 200; ++seed) {
+    const folder = mkdtempSync(join(home, 'exam-'));
+    const versions = (seed % 3) + 1;
+    execFileSync(process.execPath, ['--no-experimental-fetch', makeExam, String(seed), '8', String(versions), folder]);
+    const names = ['A.xml', 'B.xml', 'C.xml'].slice(0, versions);
+    const exam = await load(given(folder, ...names));
+    const expected = spawnSync(program, [...names, '--quiet', '--json', '-'], { cwd: folder, maxBuffer: 2 ** 26 }).stdout;
+    assert.ok(expected.length > 0);
+    assert.equal(exam.json, expected.toString(), `seed ${seed}`);
+    exam.close();
+  }
+});
+
 test('takes options, and refuses wrong ones', async () => {
   const exam = await load(given(examples, 'sample-test.xml', 'sample-test-b.xml'), { versionNames: ['Q', 'R'], title: 'Ünit' });
   assert.deepEqual(exam.result.versions.map(({ name }) => name), ['Q', 'R']);
@@ -76,30 +93,62 @@ test('takes options, and refuses wrong ones', async () => {
   exam.close();
 });
 
+test('the quick start of the README runs as it stands', async () => {
+  const [, code] = readFileSync(join(checkout, 'README.md'), 'utf8').match(/<!-- quick start: javascript -->\n```js\n([^]*?)```/);
+  assert.ok(code.trim().split('\n').length <= 5);
+  writeFileSync(join(home, 'start.mjs'), code);
+  const said = execFileSync(process.execPath, [join(home, 'start.mjs')], { cwd: checkout }).toString();
+  const names = ['examples/sample-test.xml', 'examples/sample-test-b.xml'];
+  const expected = execFileSync(program, ['--quiet', '--csv', '-', ...names], { cwd: checkout }).toString();
+  assert.equal(said, `${expected}\n`);
+});
+
+test('its types are those of what it does', { skip: !existsSync(tsc) && 'no TypeScript (node-typescript)' }, () => {
+  const usage = join(checkout, 'tests/web/usage.ts');
+  cpSync(usage, join(home, 'usage.mts'));
+  const options = ['--strict', '--noEmit', '--target', 'es2022', '--module', 'nodenext', '--lib', 'es2022,dom'];
+  const done = spawnSync(process.execPath, [tsc, ...options, join(home, 'usage.mts')], { cwd: home });
+  assert.equal(done.status, 0, String(done.stdout));
+});
+
 /** An export of `count` questions, each with `length` letters more than a line. */
 const generated = (count, length) =>
   `<?xml version='1.0' encoding='utf-8'?>\n<examview type='test'><header><title>Large</title></header>` +
   Array.from({ length: count }, (_, i) => `<question type='tf' question-id='${i + 1}' bank-id='0'>\n<text>Question ${i} ` +
     `${'x'.repeat(length)}</text>\n<answer>${i % 2 ? 'T' : 'F'}</answer></question>\n`).join('') + '</examview>\n';
 
-test('loads 30 MB, and a hundred loads take no more memory than ten', async () => {
+test('loads 30 MB; hostile files are refused; a hundred loads take no more memory than the first ones', async () => {
   const large = generated(200, 150000);
   assert.ok(large.length > 30e6);
   const exam = await load([{ name: 'large.xml', content: large }]);
   assert.equal(exam.result.files[0].questions.length, 200);
   exam.close();
 
+  const hostile = ['xml_load', 'lmf_open'].flatMap((name) => {
+    const folder = join(checkout, 'fuzz/corpus', name);
+    return readdirSync(folder).map((file) => given(folder, file));
+  });
+  assert.ok(hostile.length >= 10);
+
   const { init } = await import(pathToFileURL(join(home, 'node_modules/torva35/torva35.js')));
   const module = await init();
   const probe = () => module._malloc(64 * 1024 * 1024);
+  const statuses = new Set();
   const loads = async (count) => {
-    for (let i = 0; i < count; ++i) (await load(given(examples, 'sample-test.xml', 'sample-test-b.xml'))).close();
+    for (let i = 0; i < count; ++i) {
+      for (const files of [given(examples, 'sample-test.xml', 'sample-test-b.xml'), hostile[i % hostile.length]]) {
+        const exam = await load(files);
+        statuses.add(exam.result.status);
+        exam.close();
+      }
+    }
     const size = module.HEAPU8.length;
     // Where a large block would come to lie tells how far small ones have spread.
     const at = probe();
     module._free(at);
     return { size, at, files: module.FS.readdir('/tmp').length };
   };
-  const before = await loads(10);
+  const before = await loads(hostile.length);
   assert.deepEqual(await loads(100), before);
+  assert.deepEqual([...statuses].sort(), ['done', 'refused']);
 });

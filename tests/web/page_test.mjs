@@ -1,8 +1,8 @@
-// The page in a headless Chromium, opened from the disk: node page_test.mjs PACKAGE_FOLDER PROGRAM EXAMPLES DATA
-// PROGRAM is torva35 as built for this machine, which has to write the same.
+// The page in a headless Chromium, opened from the disk: node page_test.mjs PACKAGE_FOLDER PROGRAM CHECKOUT AXE
+// PROGRAM is torva35 as built for this machine, which has to write the same. AXE is the script of axe-core, if it is there.
 import assert from 'node:assert/strict';
 import { execFileSync, spawnSync } from 'node:child_process';
-import { mkdtempSync, readFileSync, rmSync, statSync, writeFileSync } from 'node:fs';
+import { existsSync, mkdtempSync, readFileSync, rmSync, statSync, writeFileSync } from 'node:fs';
 import { tmpdir } from 'node:os';
 import { join } from 'node:path';
 import { pathToFileURL } from 'node:url';
@@ -10,7 +10,9 @@ import { gzipSync } from 'node:zlib';
 import test, { after, before } from 'node:test';
 import { Chromium } from './chromium.mjs';
 
-const [folder, program, examples, data] = process.argv.slice(2);
+const [folder, program, checkout, axe] = process.argv.slice(2);
+const examples = join(checkout, 'examples');
+const data = join(checkout, 'tests/data');
 const page = join(folder, 'index.html');
 const out = mkdtempSync(join(tmpdir(), 'torva35-page-'));
 let browser;
@@ -141,6 +143,25 @@ test('has a name for all that is used, in each language, and fits a phone', asyn
     assert.equal(nodes.filter(({ role }) => role?.value === 'status').length, 1);
   }
   await browser.send('Emulation.clearDeviceMetricsOverride');
+});
+
+test('axe finds nothing', { skip: !existsSync(axe) && 'axe-core is not there' }, async () => {
+  const wrong = join(out, 'wrong.xml');
+  const shown = { nothing: [], refused: [join(data, 'broken-test.xml')], sheet: samples.map((name) => join(examples, name)), withheld: [wrong] };
+  for (const [scheme, width] of [['light', 1200], ['dark', 360]]) {
+    await browser.send('Emulation.setEmulatedMedia', { features: [{ name: 'prefers-color-scheme', value: scheme }] });
+    await browser.send('Emulation.setDeviceMetricsOverride', { width, height: 800, deviceScaleFactor: 1, mobile: width < 500 });
+    for (const [what, paths] of Object.entries(shown)) {
+      await open();
+      if (paths.length > 0) await drop(...paths);
+      await browser.run(`document.querySelectorAll('details').forEach((each) => (each.open = true))`);
+      await browser.run(readFileSync(axe, 'utf8'));
+      const found = await browser.run(`axe.run().then(({ violations }) => violations.map(({ id, impact, nodes }) => [id, impact, nodes[0].html]))`);
+      assert.deepEqual(found, [], `${what}, ${scheme}`);
+    }
+  }
+  await browser.send('Emulation.clearDeviceMetricsOverride');
+  await browser.send('Emulation.setEmulatedMedia', { features: [] });
 });
 
 test('is small', () => {
