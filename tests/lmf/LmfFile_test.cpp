@@ -167,7 +167,7 @@ TEST(LmfFile, OpensAlikeWithAndWithoutTheParser) {
   for (const char* value : {"<", "&", "&nbsp;", "\x01", "\xC3", "\xED\xA0\x80", "\xEF\xBF\xBE", "n\" name=\"n"}) {
     expect(false, {"<question name=\"" + std::string(value) + "\"/>\n"});
   }
-  expect(false, {"<question name=\"n\"\n", "<question name/>\n", "<question>text</question>\n",
+  expect(false, {"xquestion/>\n", "<question name=\"n\"\n", "<question name/>\n", "<question>text</question>\n",
                  "<question color=\"x\"/>\n", "</question>\n"});
   expect(false, {"</questions>\n<questions>\n", "<sequence>1</sequence>\n"});
   const std::string second = (head + tail).substr(head.find('\n') + 1);

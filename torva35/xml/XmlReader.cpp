@@ -192,7 +192,7 @@ XmlParseError XmlReader::ReadAll() {
       if (code == XML_ERROR_NO_MEMORY) throw std::bad_alloc();
       return Stopped(FromUtf8(XML_ErrorString(code)));
     }
-    if (bytesRead_ == static_cast<std::int64_t>(size)) ReserveRest();
+    if (!atEnd && bytesRead_ == static_cast<std::int64_t>(size)) ReserveRest();
   }
   tree_.nodes[0].textEnd = static_cast<std::uint32_t>(tree_.text.size());
   return {};
