@@ -55,7 +55,8 @@ TEST(Collection, NumbersArePositionsAndStringsAreKeys) {
 
 // Position 53 is not what a character asks for.
 static_assert(!std::is_convertible_v<char16_t, TaggedValue> && !std::is_convertible_v<char, TaggedValue>);
-static_assert(std::is_convertible_v<signed char, TaggedValue>);
+static_assert(std::is_convertible_v<signed char, TaggedValue> && std::is_convertible_v<unsigned, TaggedValue> &&
+              std::is_convertible_v<long, TaggedValue>);
 
 // The key's kind first, then the places, and a key in use last.
 TEST(Collection, AddRefusesBadKeysAndPlaces) {

@@ -103,6 +103,7 @@ TEST(DOMDocument, Encodings) {
       {"\xEF\xBB\xBF<?xml version='1.0' encoding='windows-1252'?><a>Caf\xC3\xA9</a>", u"Café"},
       {Utf16Bytes(u"\uFEFF<?xml version='1.0' encoding='UTF-8'?><a>é</a>", false), u"é"},
       {"<\0\0\0a\0\0\0>\0\0\0\xE9\0\0\0<\0\0\0/\0\0\0a\0\0\0>\0\0\0"s, u"é"},
+      {"\0\0\0<\0\0\0a\0\0\0>\0\0\0\xE9\0\0\0<\0\0\0/\0\0\0a\0\0\0>"s, u"é"},
       {"<?xml version='1.0' encoding='US-ASCII'?><a>x</a>", u"x"},
       // Characters that lie across the ends of the reader's buffers.
       {Utf16Bytes(u"\uFEFF<a>x" + FromUtf8(Repeated(70'000, "\U0001F600")) + u"</a>", true),
