@@ -66,26 +66,42 @@ class RichText {
     } else if (!OneOf(name, {"text", "para", "b", "i", "u", "font", "sup"}) && !HasChoiceName(name)) {
       return AddUnknown(name, node, where);
     }
+    // These have a blank after each of their children; the others join them.
+    const bool joins = !OneOf(name, {"text", "para", "b", "i", "u"});
+    std::string_view before;  // characters with nothing but breaks after them
+    bool isBroken = false;
     for (IXMLDOMNode child = node.FirstChild(); child; child = child.NextSibling()) {
-      if (NameOf(child).empty()) {
-        WalkCharacters(child.Utf8(), node, where);
+      const std::string childName = NameOf(child);
+      if (childName.empty()) {
+        if (joins && isBroken && Meet(before, child.Utf8())) AddJoined(node, where);
+        before = child.Utf8();
+        WalkCharacters(before, node, where);
       } else {
+        if (!IsBreak(childName)) before = {};
         Walk(child, where);
       }
+      isBroken = IsBreak(childName);
     }
   }
 
  private:
+  static bool IsBreak(std::string_view name) { return OneOf(name, {"tab", "br"}); }
+
+  // Whether words would, one after the other.
+  static bool Meet(std::string_view before, std::string_view after) {
+    return !before.empty() && !after.empty() && static_cast<unsigned char>(before.back()) > ' ' &&
+           static_cast<unsigned char>(after.front()) > ' ';
+  }
+
   // A line feed goes, and nothing takes its place: words on both sides of it are joined.
   void WalkCharacters(std::string_view text, const IXMLDOMNode& element, const std::string& where) {
     for (std::size_t at = text.find('\n'); at != text.npos; at = text.find('\n', at + 1)) {
-      const bool inside = at > 0 && at + 1 < text.size();
-      if (!inside || static_cast<unsigned char>(text[at - 1]) <= ' ' ||
-          static_cast<unsigned char>(text[at + 1]) <= ' ') {
-        continue;
-      }
-      return Add("line-break", element, where, "words at a line break are joined", Severity::kNote);
+      if (Meet(text.substr(0, at), text.substr(at + 1))) return AddJoined(element, where);
     }
+  }
+
+  void AddJoined(const IXMLDOMNode& element, const std::string& where) {
+    Add("line-break", element, where, "words at a line break are joined", Severity::kNote);
   }
 
   void AddUnknown(const std::string& name, const IXMLDOMNode& node, const std::string& where) {
@@ -94,7 +110,7 @@ class RichText {
       return Add("picture", node, where, "a picture is not read");
     }
     if (name.find("table") != name.npos) return Add("table", node, where, "a table is not read");
-    if (OneOf(name, {"tab", "br"})) return;
+    if (IsBreak(name)) return;
     Add("not-read", node, where, "an element <" + name + "> is not read");
   }
 

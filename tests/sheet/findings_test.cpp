@@ -175,6 +175,8 @@ std::vector<Case> Cases() {
        {Exam("<question type='tf'><text>x</text><rationale>y</rationale><answer>T</answer></question>")},
        {"note rationale 1"}},
       {"LineBreak", {Exam(text("two\nlines"))}, {"note line-break 1"}},
+      {"Break", {Exam(text("<font>two<br/><tab/>lines</font>"))}, {"note line-break 1"}},
+      {"HarmlessBreak", {Exam(text("two<br/>lines<font>two <br/>lines<b>x</b><br/></font>"))}, {}},
       {"Objectives", {Exam(Choice("1", "A", 4, info("<text-objective>x</text-objective>")))}, {"note objectives"}},
       {"Cut",
        {Exam("<question type='mc'><choices><choice-a>" + std::string(51, 'x') +
