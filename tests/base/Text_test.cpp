@@ -9,14 +9,6 @@
 namespace TORVA35 {
 namespace {
 
-TEST(Text, SplitKeepsEmptyPartsAndGivesNoneForAnEmptyText) {
-  EXPECT_EQ(Split(u"A\tB\t", u"\t"), (Array<String>{u"A", u"B", u""}));
-  EXPECT_EQ(Split(u"A--B", u"--"), (Array<String>{u"A", u"B"}));
-  EXPECT_EQ(Split(u"A,B", u""), (Array<String>{u"A,B"}));
-  EXPECT_EQ(Split(u",", u","), (Array<String>{u"", u""}));
-  EXPECT_TRUE(Split(u"", u",").IsEmpty());
-}
-
 TEST(Text, TrimTakesSpacesOnly) {
   EXPECT_EQ(Trim(u"  a b \t "), u"a b \t");
   EXPECT_EQ(Trim(u"   "), u"");
@@ -30,15 +22,6 @@ TEST(Text, CaseMapsSingleUnitsOnly) {
   EXPECT_FALSE(EqualNoCase(u"ß", u"ss"));
   // Deseret letters have case, but as surrogate pairs they have none.
   EXPECT_FALSE(EqualNoCase(u"\U00010400", u"\U00010428"));
-}
-
-TEST(Text, AnsiCodeIsWindows1252) {
-  EXPECT_EQ(AnsiCode(u'A'), 65);
-  EXPECT_EQ(AnsiCode(u'€'), 0x80);
-  EXPECT_EQ(AnsiCode(u'Ÿ'), 0x9F);
-  EXPECT_EQ(AnsiCode(u'É'), 0xC9);
-  EXPECT_EQ(AnsiCode(u'Ω'), 63);
-  EXPECT_EQ(AnsiCode(0x81), 63);
 }
 
 TEST(Text, LeadingNumber) {

@@ -231,21 +231,6 @@ TEST(FaultFilter, RaisesNumberAndNameOfEachCode) {
   }
 }
 
-TEST(FaultFilter, IsInstalledOncePerThread) {
-  EXPECT_EQ(InChild([] {
-              std::string installed;
-              for (int i = 0; i < 2; ++i) {
-                modStartup::Main();
-                const ExceptionFilter filter = SetUnhandledExceptionFilter(nullptr);
-                installed += filter == nullptr                                       ? "no "
-                             : filter == modvbCodeShieldSupport::vbcsExceptionFilter ? "yes "
-                                                                                     : "?";
-              }
-              return installed;
-            }),
-            "yes no ");
-}
-
 struct Thing : Object {
   Thing() {
     ReportedConstruction(kHere, [] {});

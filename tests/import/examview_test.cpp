@@ -180,7 +180,8 @@ TEST_F(ExamView, AnswerIsCodedByKind) {
         Row{"mc", "B,B", u"2"},       Row{"mc", "", u""},       Row{"mc", ",, ,", u""},
         Row{"mc", "H", u"8"},         Row{"mc", "1", u"-15"},   Row{"mc", " C \n", u"3"},
         Row{"mc", "A,\nB", u"1|-54"}, Row{"mc", "é", u"137"},   Row{"mc", "ÿ", u"95"},
-        Row{"mc", "Ω,?", u"-1"},      Row{"bi", "T", u"20"},    Row{"none", "Paris, France", u"16|6"},
+        Row{"mc", "Ω,?", u"-1"},      Row{"mc", "€", u"64"},    Row{"mc", "\u0081", u"-1"},
+        Row{"mc", "Ÿ", u"95"},        Row{"bi", "T", u"20"},    Row{"none", "Paris, France", u"16|6"},
         Row{"tf", "True", u"1"},      Row{"tf", "false", u"2"}, Row{"tf", "Yes", u""},
         Row{"tf", " T", u""},         Row{"tf", "T,F", u"1"},   Row{"yn", "yES", u"1"},
         Row{"yn", "n", u"2"},         Row{"yn", "T", u""},      Row{"mtf", "T", u"20"}}) {

@@ -257,21 +257,6 @@ TEST(LmfFile, PathsThatCannotBeOpenedOrSaved) {
   EXPECT_EQ(folder.Names(), std::vector<std::string>{"large"});
 }
 
-TEST(LmfFile, NamesOfAnyLanguage) {
-  const Folder folder;
-  const String name = u"Prüfung 试验 тест 🎓.lmf";
-  const auto before = std::filesystem::current_path();
-  std::filesystem::current_path(folder.path);
-  clsLmf lmf, opened;
-  for (const String& path : {FromUtf8(folder.path) + u"/" + name, name}) {
-    lmf.Notes(path);
-    EXPECT_TRUE(lmf.Save(path) && opened.Open(path)) << ToUtf8(path);
-    EXPECT_EQ(opened.Notes(), path);
-  }
-  EXPECT_EQ(folder.Names().size(), 1u);
-  std::filesystem::current_path(before);
-}
-
 // A host's own parts: what their members say, and not what the base classes hold.
 struct HostObjectives final : clsLmfObjectives {
   Long Count() const override { return 2; }

@@ -44,16 +44,8 @@ TEST_F(HostCalls, AnErrorObjectReportsToTheNextOneWhileItGoes) {
   engine->SetError(New<Leaving>([this] { engine->SetError(nullptr); }));
   EXPECT_FALSE(engine->SetError(host));
   EXPECT_EQ(basError::goErr(), nullptr);
+  EXPECT_FALSE(New<clsTORVATest>()->SetError(nullptr));
   EXPECT_TRUE(New<clsTORVATest>()->SetError(host));
-}
-
-TEST_F(HostCalls, NothingIsReadForADialogThatDoesNotShow) {
-  struct UnreadableField : clsTemplateField {
-    String Name() const override { throw std::runtime_error("no name"); }
-    Ref<clsTemplateField> Copy() const override { return Field<UnreadableField>(1, true, {}); }
-  };
-  engine->Verbose(false);
-  EXPECT_FALSE(Merge({Test({Choice(u"1")})}, Form({{Field<UnreadableField>(1, true, {})}})));
 }
 
 // A form of a host's whose graded questions cannot be switched off.

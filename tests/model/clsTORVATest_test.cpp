@@ -215,13 +215,5 @@ TEST_F(clsTORVATestTest, NumObjectivesIsASumOverAllQuestions) {
   EXPECT_EQ(TakeFailures(), "91 clsTORVATest.NumObjectives");
 }
 
-TEST_F(clsTORVATestTest, SetErrorHoldsForAllObjects) {
-  const auto second = New<Recorder>();
-  EXPECT_TRUE(test->SetError(second));
-  New<clsTORVATestStrings>()->AddArray({});
-  EXPECT_EQ(second->failures.size(), 1);
-  EXPECT_FALSE(test->SetError(nullptr));
-}
-
 }  // namespace
 }  // namespace TORVA35

@@ -54,9 +54,9 @@ TEST_F(Saving, TakesNamesOfEveryKind) {
     folders.push_back(deep);
     ASSERT_NE(CreateDirectoryW(deep.c_str(), nullptr), 0);
   }
-  const String plain = String(deep.begin() + 4, deep.end()) + u"\\a.lmf";
+  const String plain = String(deep.begin() + 4, deep.end()) + u"\\Prüfung 试验 🎓.lmf";
   EXPECT_TRUE(lmf.Save(plain) && lmf.Save(plain) && clsLmf().Open(plain));
-  EXPECT_NE(DeleteFileW((deep + L"\\a.lmf").c_str()), 0);
+  EXPECT_NE(DeleteFileW((deep + L"\\Prüfung 试验 🎓.lmf").c_str()), 0);
   for (; !folders.empty(); folders.pop_back()) EXPECT_NE(RemoveDirectoryW(folders.back().c_str()), 0);
 }
 

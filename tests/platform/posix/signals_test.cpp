@@ -135,21 +135,6 @@ TEST(FaultGuard, FaultInAHostHandlerStaysWithTheHost) {
             "fault +USR1, fault +USR1, C0000005");
 }
 
-// Each fault calls it again, and it needs so much room that it is the one that comes to the end of the stack.
-FAULTS void FaultAgain(int, siginfo_t*, void*) {
-  volatile char room[24 * 1024];
-  room[0] = 0;
-  faults::NullRead();
-  static_cast<void>(room[0]);
-}
-
-TEST(FaultGuard, HostThatIgnoresOrKeepsFaultingEnds) {
-  for (void (*const before)() :
-       {+[] { PutUpHandler(FaultAgain, SA_NODEFER); }, +[] { ::signal(SIGSEGV, SIG_IGN); }}) {
-    EXPECT_EQ(InGuardedChild([] { return faults::NullRead(), "lived on"; }, before), "ended by SIGSEGV");
-  }
-}
-
 TEST(FaultGuard, WithoutAWillingFilterTheHostGetsTheFault) {
   const auto withFilter = [](ExceptionFilter filter) {
     return InGuardedChild(
