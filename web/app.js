@@ -66,7 +66,11 @@ let work = Promise.resolve();
 
 /** Does one thing after the other, whatever is clicked meanwhile. */
 function queue(task) {
-  work = work.then(task).catch(tellFailure);
+  work = work.then(task).catch((error) => {
+    // What stands there is of other files or options.
+    $('outcome').hidden = true;
+    tellFailure(error);
+  });
   return work;
 }
 
@@ -95,8 +99,8 @@ function showFiles() {
   $('files').replaceChildren(
     ...files.map((file, i) =>
       element('li', {}, `${file.name} `,
-        i > 0 ? element('button', { type: 'button', onclick: () => reorder(i, 0), 'aria-label': `${word('first')}: ${file.name}` }, word('first')) : '',
-        element('button', { type: 'button', onclick: () => reorder(i, -1), 'aria-label': `${word('remove')}: ${file.name}` }, word('remove')),
+        i > 0 ? element('button', { type: 'button', id: `first-${i}`, onclick: () => reorder(i, 0), 'aria-label': `${word('first')}: ${file.name}` }, word('first')) : '',
+        element('button', { type: 'button', id: `remove-${i}`, onclick: () => reorder(i, -1), 'aria-label': `${word('remove')}: ${file.name}` }, word('remove')),
       ),
     ),
   );
@@ -105,9 +109,9 @@ function showFiles() {
 function reorder(from, to) {
   const [file] = files.splice(from, 1);
   if (to >= 0) files.splice(to, 0, file);
-  // Its button is gone.
-  ($('files').querySelector('button') ?? $('choose')).focus();
   showFiles();
+  // The button that was pressed is gone.
+  ($(`remove-${to >= 0 ? to : Math.min(from, files.length - 1)}`) ?? $('choose')).focus();
   queue(read);
 }
 
@@ -115,11 +119,11 @@ function showDialogs() {
   $('asked').hidden = asked.length === 0;
   $('dialogs').replaceChildren(
     ...asked.map(({ id, dialog }, i) =>
-      element('fieldset', {}, element('legend', {}, dialog.file === '' ? dialog.title : `${dialog.title} (${dialog.file})`),
+      element('fieldset', { lang: 'en' }, element('legend', {}, dialog.file === '' ? dialog.title : `${dialog.title} (${dialog.file})`),
         element('p', {}, dialog.text.replaceAll('\r\n', '\n')),
         ...(dialog.buttons.length < 2 ? [] : dialog.buttons).map((caption, button) =>
           element('label', { class: 'check' },
-            element('input', { type: 'radio', name: `dialog${i}`, checked: (answers.get(id) ?? 0) === button && 'checked',
+            element('input', { type: 'radio', name: `dialog${i}`, id: `dialog-${i}-${button}`, checked: (answers.get(id) ?? 0) === button && 'checked',
                                onchange: () => queue(() => (answers.set(id, button), remake())) }),
             caption.replace('&', '')),
         ),
@@ -129,17 +133,18 @@ function showDialogs() {
 }
 
 function showFindings(result) {
+  const { lines } = exam;
   $('noFindings').hidden = result.findings.length > 0;
-  $('findings').replaceChildren(...result.findings.map((finding, i) => element('li', { class: finding.severity }, exam.lines[i])));
+  $('findings').replaceChildren(...result.findings.map((finding, i) => element('li', { class: finding.severity, lang: 'en' }, lines[i])));
 }
 
 const keyOf = (answer) => answer.key.join(answer.all ? ' ' : ` ${word('or')} `);
 
 function showVersions(result) {
-  const head = result.versions.flatMap((version) => [
-    element('th', { scope: 'col' }, `${word('version', version.name)}: ${word('paper')}`),
-    element('th', { scope: 'col' }, word('key')),
-  ]);
+  const head = result.versions.flatMap(({ name }) => {
+    const before = name === '' ? '' : `${word('version', name)}: `;
+    return ['paper', 'key'].map((column) => element('th', { scope: 'col' }, before + word(column)));
+  });
   const rows = result.rows.map((row, i) =>
     element('tr', {}, element('th', { scope: 'row' }, String(row.number)),
       ...result.versions.flatMap((version) => [
@@ -213,12 +218,20 @@ function showOutputs(result) {
   $('buttons').replaceChildren(
     ...outputs.map(([name, grades, run]) =>
       element('button', { type: 'button', 'data-output': name, disabled: grades && wrong && !$('force').checked && 'disabled',
-                          onclick: () => queue(run) }, words[language][name] ?? name),
+                          onclick: () => queue(run) },
+        name.startsWith('print') ? word(name) : word('save', words[language][name] ?? name)),
     ),
   );
 }
 
 function show() {
+  const focused = document.activeElement.id;
+  showAll();
+  // What had the focus may have been made anew.
+  if (focused !== '' && document.activeElement.id !== focused) $(focused)?.focus();
+}
+
+function showAll() {
   document.documentElement.lang = language;
   for (const each of document.querySelectorAll('[data-word]')) each.textContent = word(each.dataset.word);
   showFiles();

@@ -145,6 +145,25 @@ test('has a name for all that is used, in each language, and fits a phone', asyn
   await browser.send('Emulation.clearDeviceMetricsOverride');
 });
 
+test('the focus stays where the user works, and nothing old stays after a failure', async () => {
+  const focused = () => browser.run('document.activeElement.id');
+  const press = async (id) => {
+    await browser.run(`document.getElementById('${id}').focus(); document.getElementById('${id}').click()`);
+    await browser.run('new Promise((resolve) => setTimeout(resolve, 300))');
+    return focused();
+  };
+  await open();
+  await drop(...samples.map((name) => join(examples, name)));
+  assert.equal(await press('dialog-1-1'), 'dialog-1-1');
+  assert.equal(await press('first-1'), 'remove-0');
+  assert.match((await texts('#files li'))[0], /^sample-test-b/);
+  assert.equal(await press('remove-2'), 'remove-1');
+  await browser.run(`File.prototype.arrayBuffer = () => Promise.reject(new Error('gone'))`);
+  assert.equal(await press('remove-1'), 'remove-0');
+  await browser.until(`document.getElementById('status').textContent.includes('gone')`);
+  assert.ok(await browser.run(`document.getElementById('outcome').hidden`));
+});
+
 test('axe finds nothing', { skip: !existsSync(axe) && 'axe-core is not there' }, async () => {
   const wrong = join(out, 'wrong.xml');
   const shown = { nothing: [], refused: [join(data, 'broken-test.xml')], sheet: samples.map((name) => join(examples, name)), withheld: [wrong] };
