@@ -15,10 +15,11 @@ namespace TORVA35 {
 namespace {
 
 constexpr std::int64_t kChunkBytes = 1 << 16;
-// For a byte of the file: a usual export takes less than two.
-constexpr std::size_t kMostReserved = 4;
 constexpr std::int64_t kLargestChunkBytes = 1 << 28;
+// What is read, and taken room for, at once.
 constexpr std::int64_t kLargestRestBytes = 1 << 26;
+// Bytes for a byte of the file: a usual export takes less than two.
+constexpr std::size_t kMostReserved = 4;
 // How many times longer than the file its text may become by entities, and its attributes by the values that are
 // declared for them; small files may always reach 8 MiB. The parser itself watches over the entities only.
 constexpr int kMaximumAmplification = 10;
@@ -210,8 +211,9 @@ std::int64_t XmlReader::NextChunk() const {
 }
 
 // Takes the room for the whole tree at once, by what the first chunk has become: it then neither moves while it
-// grows nor leaves half of its room empty. A file that turns out otherwise costs what it would have cost anyway.
+// grows nor leaves half of its room empty. A large file may turn out otherwise, and gets its room as it needs it.
 void XmlReader::ReserveRest() {
+  if (file_.Size() > kLargestRestBytes) return;
   const double growth = 1.05 * static_cast<double>(file_.Size()) / static_cast<double>(bytesRead_);
   const auto grown = [&](std::size_t size) {
     return static_cast<std::size_t>(static_cast<double>(size) * growth);

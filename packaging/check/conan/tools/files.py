@@ -9,7 +9,7 @@ def load(_recipe, path):
 
 def copy(_recipe, pattern, src, dst):
     source = pathlib.Path(src)
-    found = [path for path in source.rglob(pattern.replace("/*", "/**/*")) if path.is_file()]
+    found = [path for path in source.glob(pattern.replace("/*", "/**/*")) if path.is_file()]
     assert found, f"nothing to copy: {pattern}"
     for path in found:
         place = pathlib.Path(dst) / path.relative_to(source)
